@@ -1,0 +1,60 @@
+#include "app/startup.h"
+
+#include "search/folderlister.h"
+#include "store/database.h"
+
+#include <QApplication>
+#include <QFile>
+#include <QFont>
+#include <QLocale>
+#include <QTranslator>
+
+using namespace Qt::StringLiterals;
+
+void Startup::registerResources()
+{
+    Q_INIT_RESOURCE(images);
+    Q_INIT_RESOURCE(translations);
+}
+
+void Startup::setLibraryPaths()
+{
+    const QString folder = QCoreApplication::applicationDirPath();
+    QCoreApplication::setLibraryPaths({ folder });
+    QCoreApplication::addLibraryPath(folder + u"/plugins"_s);
+}
+
+void Startup::speakGerman(QApplication &application)
+{
+    QLocale::setDefault(QLocale(QLocale::German, QLocale::Germany));
+    auto *translator = new QTranslator(&application);
+    if (translator->load(u":/translations/qtbase_de.qm"_s)) {
+        QCoreApplication::installTranslator(translator);
+    }
+    QFont::insertSubstitutions(u"IrisUPC"_s, { u"Open Sans"_s, u"Liberation Sans"_s, u"DejaVu Sans"_s });
+    QFont::insertSubstitutions(
+        u"Helvetica [Cronyx]"_s, { u"Helvetica"_s, u"Open Sans"_s, u"Liberation Sans"_s, u"DejaVu Sans"_s });
+}
+
+void Startup::makeDataFolders()
+{
+    FolderLister(u"./"_s).ensure(u"./"_s, u"Data"_s);
+    FolderLister(u"./Data"_s).ensure(u"./Data"_s, u"Pictures"_s);
+    const QString store = u"./Data/Pictures"_s;
+    const FolderLister lister(store);
+    lister.ensure(store, u"AuxFolder"_s);
+    lister.ensure(store, u"Folder001"_s);
+    lister.ensure(store, u"Folder002"_s);
+}
+
+bool Startup::openCatalogue()
+{
+    const bool isFirstRun = !QFile::exists(databasePath()); // asked first, because opening makes the file
+    if (!connectDatabase()) {
+        return false;
+    }
+    if (isFirstRun && isDatabaseEmpty()) {
+        createTables();
+    }
+    return true;
+}

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <QString>
+
+/// Limits in characters of the texts that the forms store.
+namespace TextLimit {
+constexpr qsizetype Name = 38; // groups and classes
+constexpr qsizetype Number = 18;
+constexpr qsizetype Place = 38;
+constexpr qsizetype Comment = 198;
+} // namespace TextLimit
+
+/// The first `limit` characters of a longer text, never ending in half of a surrogate pair. The result is never a
+/// null text, because SQLite would take that for NULL.
+[[nodiscard]] inline QString cutText(const QString &text, qsizetype limit)
+{
+    if (text.size() <= limit) {
+        return text.isNull() ? QStringLiteral("") : text;
+    }
+    const bool splitsPair = limit > 0 && text.at(limit - 1).isHighSurrogate() && text.at(limit).isLowSurrogate();
+    return text.left(splitsPair ? limit - 1 : limit);
+}

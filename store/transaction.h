@@ -1,0 +1,30 @@
+#pragma once
+
+#include <QString>
+
+/// A write on the default connection that takes the write lock at once and rolls back unless commit() returned true.
+/// It shows nothing: a message box inside a transaction would keep the file locked while the user thinks.
+class Transaction final
+{
+public:
+    Transaction();
+    ~Transaction();
+    Q_DISABLE_COPY_MOVE(Transaction)
+
+    [[nodiscard]] bool isOpen() const { return m_open; }
+
+    /// Whether the file can be written right now: BEGIN alone succeeds on a read-only file and on a full disk.
+    [[nodiscard]] bool provesWritable();
+
+    /// On failure everything is rolled back, for SQLite would keep the transaction open and lose what follows.
+    [[nodiscard]] bool commit();
+
+    /// The driver's text for the last failure of this object.
+    [[nodiscard]] QString errorText() const { return m_errorText; }
+
+private:
+    bool run(const QString &statement);
+
+    bool m_open = false;
+    QString m_errorText;
+};

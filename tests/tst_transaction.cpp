@@ -1,0 +1,88 @@
+#include "store/statement.h"
+#include "store/transaction.h"
+#include "tests/support/testcatalogue.h"
+#include "tests/support/testmain.h"
+
+#include <QApplication>
+#include <QFile>
+#include <QSqlDatabase>
+#include <QSqlQuery>
+#include <QTest>
+
+#include <memory>
+
+using namespace Qt::StringLiterals;
+
+class TestTransaction final : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init() { m_catalogue = std::make_unique<TestCatalogue>(); }
+    void cleanup() { m_catalogue.reset(); }
+
+    void uncommittedWorkIsRolledBack();
+    void committedWorkStays();
+    void anotherWriterStopsItAtTheBeginning();
+    void usedRowIsNotDeleted();
+    void failedCountStopsADeletion();
+
+private:
+    std::unique_ptr<TestCatalogue> m_catalogue;
+};
+
+void TestTransaction::uncommittedWorkIsRolledBack()
+{
+    {
+        const Transaction transaction;
+        QVERIFY(transaction.isOpen());
+        QVERIFY(runWrite(u"INSERT INTO locomotive (name) VALUES ('Krokodile')"_s).done);
+    }
+    QCOMPARE(m_catalogue->value(u"SELECT COUNT(*) FROM locomotive"_s).toInt(), 0);
+}
+
+void TestTransaction::committedWorkStays()
+{
+    const WriteOutcome outcome = executeWrite(u"INSERT INTO locomotive (name) VALUES ('Krokodile')"_s);
+    QVERIFY(outcome.done);
+    QCOMPARE(outcome.newId, 1);
+    QCOMPARE(m_catalogue->value(u"SELECT name FROM locomotive"_s).toString(), u"Krokodile"_s);
+}
+
+void TestTransaction::anotherWriterStopsItAtTheBeginning()
+{
+    {
+        QSqlDatabase other = QSqlDatabase::addDatabase(u"QSQLITE"_s, u"other"_s);
+        other.setDatabaseName(u"./Data/bahnakte.dat"_s);
+        QVERIFY(other.open());
+        QVERIFY(QSqlQuery(other).exec(u"BEGIN IMMEDIATE"_s));
+        const WriteOutcome outcome = executeWrite(u"INSERT INTO locomotive (name) VALUES ('Krokodile')"_s);
+        QVERIFY(!outcome.done);
+        QVERIFY(!outcome.errorText.isEmpty());
+    }
+    QSqlDatabase::removeDatabase(u"other"_s);
+    QCOMPARE(m_catalogue->value(u"SELECT COUNT(*) FROM locomotive"_s).toInt(), 0);
+}
+
+void TestTransaction::usedRowIsNotDeleted()
+{
+    const int group = m_catalogue->addGroup(u"Krokodile"_s);
+    m_catalogue->addModel(u"Ce 6/8"_s, group);
+    const DeletionOutcome outcome = deleteUnlessUsed(
+        u"SELECT COUNT(*) FROM loc_model WHERE locid = '1'"_s, u"DELETE FROM locomotive WHERE id = 1"_s);
+    QCOMPARE(outcome.result, DeletionResult::StillUsed);
+    QCOMPARE(m_catalogue->value(u"SELECT COUNT(*) FROM locomotive"_s).toInt(), 1);
+}
+
+void TestTransaction::failedCountStopsADeletion()
+{
+    m_catalogue->addGroup(u"Krokodile"_s);
+    QVERIFY(QSqlQuery().exec(u"DROP TABLE loc_model"_s));
+    const DeletionOutcome outcome = deleteUnlessUsed(
+        u"SELECT COUNT(*) FROM loc_model WHERE locid = '1'"_s, u"DELETE FROM locomotive WHERE id = 1"_s);
+    QCOMPARE(outcome.result, DeletionResult::Failed);
+    QCOMPARE(m_catalogue->value(u"SELECT COUNT(*) FROM locomotive"_s).toInt(), 1);
+}
+
+BAHNITO_TEST_MAIN(TestTransaction)
+#include "tst_transaction.moc"
