@@ -11,10 +11,16 @@
 
 using namespace Qt::StringLiterals;
 
-void Startup::registerResources()
+// Outside of any namespace, because the macro declares the generated functions where it stands.
+static void initResources()
 {
     Q_INIT_RESOURCE(images);
     Q_INIT_RESOURCE(translations);
+}
+
+void Startup::registerResources()
+{
+    initResources();
 }
 
 void Startup::setLibraryPaths()

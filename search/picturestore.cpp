@@ -76,7 +76,7 @@ void PictureStore::noteStored(bool saved)
 
 QString PictureStore::makeFolder(int number) const
 {
-    const QString name = folderName(number);
+    QString name = folderName(number);
     QDir(StoreRoot).mkdir(name);
     return name;
 }

@@ -2,11 +2,10 @@
 
 #include "search/messagebox.h"
 #include "search/messagedialog.h"
-#include "store/copyfile.h"
+#include "store/entryremoval.h"
 #include "store/rowvalue.h"
 #include "store/statement.h"
 #include "store/textcut.h"
-#include "store/transaction.h"
 
 #include <QCoreApplication>
 #include <QDebug>
@@ -266,36 +265,9 @@ void CatalogQuery::AddLocModel(const QString &name, int groupId) const
     const WriteOutcome outcome = executeWrite(u"INSERT INTO loc_model (modelname, locid) VALUES (:name, :locid) "_s,
         { { u":name"_s, cutText(name, TextLimit::Name) }, { u":locid"_s, groupId } });
     if (!outcome.done) {
-        qDebug() << "Fehler bei AddLocModel: " << outcome.errorText;
+        qDebug().noquote().nospace() << "Fehler bei AddLocModel: " << outcome.errorText;
     }
 }
-
-namespace {
-
-/// Removes the copies and the rows of an entry; returns the driver's text when that failed, else an empty text.
-/// The files go before the rows, so it must be certain beforehand that rows can be deleted at all.
-QString removeEntry(int entryId)
-{
-    Transaction transaction;
-    if (!transaction.isOpen() || !transaction.provesWritable()) {
-        return transaction.errorText();
-    }
-    QList<QSqlRecord> pictures;
-    CatalogQuery::instance().picturesOfEntry(pictures, entryId);
-    for (const QSqlRecord &picture : pictures) {
-        removeCopy(rowText(picture, u"pictAuxPath"_s), rowText(picture, u"pictOrigPath"_s));
-    }
-    WriteOutcome outcome = runWrite(u"DELETE FROM loc_picture WHERE locpictureid = %1"_s.arg(entryId));
-    if (outcome.done) {
-        outcome = runWrite(u"DELETE FROM loc_seen WHERE id = %1"_s.arg(entryId));
-    }
-    if (!outcome.done) {
-        return outcome.errorText;
-    }
-    return transaction.commit() ? QString() : transaction.errorText();
-}
-
-} // namespace
 
 bool CatalogQuery::deleteEntry(int entryId, QString &nummer, int &modelId) const
 {
@@ -312,10 +284,9 @@ bool CatalogQuery::deleteEntry(int entryId, QString &nummer, int &modelId) const
             question.arg(QString::number(entryId), nummer))) {
         return false;
     }
-    const QString errorText = removeEntry(entryId);
-    if (errorText.isEmpty()) {
-        return true;
+    const WriteOutcome outcome = removeEntry(entryId);
+    if (!outcome.done) {
+        const MessageDialog box(QCoreApplication::translate("CatalogQuery", "DB-Löschen"), outcome.errorText);
     }
-    const MessageDialog box(QCoreApplication::translate("CatalogQuery", "DB-Löschen"), errorText);
-    return false;
+    return outcome.done;
 }

@@ -30,9 +30,9 @@ const QList<QColor> &ColorScheme::palette()
 }
 
 ColorScheme::ColorScheme(const QColor &background)
-    : m_background(background)
+    : m_background(background.toRgb()) // a colour dialog may hand over another model, which never equals ours
 {
-    if (background == QColor(Qt::black)) {
+    if (m_background == QColor(Qt::black)) {
         m_mode = Dark;
         m_boxColor = Qt::darkGray;
         m_textColor = Qt::white;
@@ -41,5 +41,5 @@ ColorScheme::ColorScheme(const QColor &background)
     }
     m_boxColor = QColor(222, 222, 222);
     m_textColor = QColor(12, 15, 118);
-    m_accentColor = lightAccent(background);
+    m_accentColor = lightAccent(m_background);
 }

@@ -74,10 +74,11 @@ bool writeCopy(const QImage &picture, const QString &path)
 bool removeCopy(const QString &path, const QString &originalPath)
 {
     const QFileInfo copy(path);
-    if (!copy.isFile() && !copy.isSymLink()) {
+    if (!copy.exists() && !copy.isSymLink()) {
         return false;
     }
-    if (!isInsideStore(path) || isOriginal(path, originalPath)) {
+    const bool isFile = copy.isFile() || copy.isSymLink();
+    if (!isFile || !isInsideStore(path) || isOriginal(path, originalPath)) {
         qWarning() << "Datei bleibt stehen, sie ist keine Kopie dieses Katalogs:" << path;
         return false;
     }

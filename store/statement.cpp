@@ -27,7 +27,7 @@ WriteOutcome executeWrite(const QString &statement, const QList<BoundValue> &val
     if (!transaction.isOpen()) {
         return { false, transaction.errorText(), 0 };
     }
-    const WriteOutcome outcome = runWrite(statement, values);
+    WriteOutcome outcome = runWrite(statement, values);
     if (outcome.done && !transaction.commit()) {
         return { false, transaction.errorText(), 0 };
     }

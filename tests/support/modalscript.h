@@ -12,6 +12,7 @@
 /// that appears. A step may open further dialogs, which the following steps then answer.
 /// At the end a test compares problems() with an empty list: it names what was not as expected, steps never reached
 /// included. A dialog that no step was written for is closed and counted as a problem.
+/// Only one script may be alive at a time.
 class ModalScript final : public QObject
 {
     Q_OBJECT
