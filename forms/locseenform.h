@@ -1,0 +1,77 @@
+#pragma once
+
+#include <QDate>
+#include <QDialog>
+
+#include <optional>
+
+class PicturePreview;
+class PictureTable;
+class QDateEdit;
+class QGroupBox;
+class QLineEdit;
+class QPushButton;
+class QTextEdit;
+
+/// Records one sighting or edits a stored one, and manages its pictures. Closing writes the pending changes of a stored
+/// entry without asking; a new entry that was never saved is dropped.
+class LocseenForm final : public QDialog
+{
+    Q_OBJECT
+
+public:
+    /// `entryId` is -1 for a new entry, which then belongs to the class `modelId`.
+    LocseenForm(int entryId, int modelId, QWidget *parent = nullptr);
+
+    /// After the form was closed: whether the entry or its pictures are no longer what they were.
+    [[nodiscard]] bool hasChanged() const { return m_changed; }
+
+public Q_SLOTS:
+    void checktextEdits();
+    void addLocseen();
+    void showLocPicture();
+    void newLocPicture();
+    void deleteLocPicture();
+    void getTableViewIndex();
+    void done(int result) override;
+
+private:
+    void buildWidgets();
+    void buildFields();
+    [[nodiscard]] QGroupBox *buildEntryBox();
+    [[nodiscard]] QGroupBox *buildPictureBox();
+    void setTabOrders();
+    void connectWidgets();
+    void showEntry();
+    void lockTexts();
+    void keepAsStored();
+    [[nodiscard]] bool isEdited() const;
+    void insertEntry();
+    void updateEntry();
+    void takePictureDate(const QDate &date);
+    void showPicture(const QString &path);
+    void tellNothingChosen();
+
+    int m_entryId; // 0 while the entry is not stored
+    int m_modelId;
+    QString m_storedNumber; // as the widgets gave them back when they were filled or written
+    QString m_storedPlace;
+    QString m_storedComment;
+    std::optional<QDate> m_storedSeenDate; // none for a new entry
+    bool m_isNew;
+    bool m_editable = true; // edits test "Speichern" anew
+    bool m_modified = false; // something has been written
+    bool m_changed = false;
+    QLineEdit *m_numberEdit = nullptr;
+    QLineEdit *m_placeEdit = nullptr;
+    QTextEdit *m_commentEdit = nullptr;
+    QDateEdit *m_seenDateEdit = nullptr;
+    QDateEdit *m_startDateEdit = nullptr;
+    QLineEdit *m_modelEdit = nullptr;
+    PictureTable *m_pictureTable = nullptr;
+    PicturePreview *m_preview = nullptr;
+    QPushButton *m_saveButton = nullptr;
+    QPushButton *m_showButton = nullptr;
+    QPushButton *m_newButton = nullptr;
+    QPushButton *m_removeButton = nullptr;
+};

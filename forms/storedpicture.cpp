@@ -1,0 +1,103 @@
+#include "forms/storedpicture.h"
+
+#include "store/copyfile.h"
+#include "store/pictureloader.h"
+#include "store/rowvalue.h"
+#include "store/statement.h"
+#include "store/transaction.h"
+
+#include <QColorSpace>
+#include <QPainter>
+#include <QSqlQuery>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr QSize LargestCopy(750, 500); // pixels
+
+QList<BoundValue> boundValues(const StoredPicture &picture)
+{
+    const auto text = [](const QString &path) { return path.isNull() ? u""_s : path; }; // a null text would be NULL
+    return { { u":pap"_s, text(picture.copyPath) }, { u":pop"_s, text(picture.originalPath) },
+        { u":phe"_s, picture.height }, { u":pwi"_s, picture.width } };
+}
+
+/// The file is written before the row is committed, so that a crash in between leaves no row without its file.
+PictureOutcome store(
+    const QString &statement, const QList<BoundValue> &values, const StoredPicture &picture, const QImage &copy)
+{
+    Transaction transaction;
+    if (!transaction.isOpen()) {
+        return { PictureOutcome::StatementFailed, transaction.errorText(), 0 };
+    }
+    const WriteOutcome row = runWrite(statement, values);
+    if (!row.done) {
+        return { PictureOutcome::StatementFailed, row.errorText, 0 };
+    }
+    if (!copy.isNull() && !writeCopy(copy, picture.copyPath)) {
+        return { PictureOutcome::FileFailed, {}, 0 };
+    }
+    if (transaction.commit()) {
+        return { PictureOutcome::Stored, {}, row.newId };
+    }
+    if (!copy.isNull()) {
+        removeCopy(picture.copyPath, picture.originalPath);
+    }
+    return { PictureOutcome::StatementFailed, transaction.errorText(), 0 };
+}
+
+} // namespace
+
+QImage reducedPicture(const QString &path)
+{
+    QImage source = loadPicture(path, LargestCopy);
+    if (source.isNull()) {
+        return {};
+    }
+    source.convertTo(QImage::Format_ARGB32);
+    source.convertToColorSpace(QColorSpace::SRgb); // the copy is shown without regard to profiles
+    QImage copy(source.size(), QImage::Format_ARGB32);
+    copy.fill(Qt::white);
+    QPainter(&copy).drawImage(0, 0, source);
+    return copy;
+}
+
+std::optional<StoredPicture> readPicture(int id)
+{
+    QSqlQuery query;
+    if (!query.exec(u"SELECT * FROM loc_picture WHERE id = %1"_s.arg(id)) || !query.next()) {
+        return {};
+    }
+    const QSqlRecord row = query.record();
+    return StoredPicture { rowText(row, u"pictAuxPath"_s), rowText(row, u"pictOrigPath"_s), rowId(row, u"pictHeight"_s),
+        rowId(row, u"pictWidth"_s), rowId(row, u"locpictureid"_s) };
+}
+
+PictureOutcome insertPicture(const StoredPicture &picture, const QImage &copy)
+{
+    QList<BoundValue> values = boundValues(picture);
+    values.append({ u":lpi"_s, picture.entryId });
+    return store(u"INSERT INTO loc_picture (pictAuxPath, pictOrigPath, pictHeight, pictWidth, locpictureid) "
+                 "VALUES (:pap, :pop, :phe, :pwi, :lpi)"_s,
+        values, picture, copy);
+}
+
+PictureOutcome updatePicture(int id, const StoredPicture &picture, const QImage &copy)
+{
+    return store(u"UPDATE loc_picture SET pictAuxPath = :pap, pictOrigPath = :pop,  pictHeight = :phe, "
+                 "pictWidth = :pwi WHERE id = %1"_s.arg(id),
+        boundValues(picture), picture, copy);
+}
+
+QString removePicture(int id, const StoredPicture &picture, bool keepCopy)
+{
+    const WriteOutcome outcome = executeWrite(u"DELETE FROM loc_picture WHERE id = %1"_s.arg(id));
+    if (!outcome.done) {
+        return outcome.errorText;
+    }
+    if (!keepCopy) {
+        removeCopy(picture.copyPath, picture.originalPath);
+    }
+    return {};
+}
