@@ -1,0 +1,31 @@
+#pragma once
+
+#include <QSize>
+#include <QToolButton>
+
+class ViewHolder;
+
+/// The size of a group's icon: the picture's size fitted into 120 x 120 with its aspect ratio kept, enlarged if need
+/// be, each side rounded to the nearest whole number.
+[[nodiscard]] QSize groupIconSize(const QSize &picture);
+
+/// The button of one class group, with the group's picture; a left click starts a search in the group.
+class PictureItem final : public QToolButton
+{
+    Q_OBJECT
+
+public:
+    static constexpr int IconLength = 120; // pixels, both ways
+
+    PictureItem(int groupId, const QString &name, const QString &picturePath, ViewHolder &holder, QWidget *parent);
+
+    [[nodiscard]] int groupId() const { return m_groupId; }
+    [[nodiscard]] QString picturePath() const { return m_picturePath; }
+
+private:
+    void showPicture(const QString &name);
+
+    int m_groupId;
+    QString m_picturePath;
+    ViewHolder &m_holder; // outlives the button
+};

@@ -1,0 +1,27 @@
+#pragma once
+
+#include <QGraphicsView>
+
+class PictureScene;
+
+/// The window onto a canvas. Adds the keyboard to it: Tab and the arrow keys walk through its buttons and photographs,
+/// Return and Space act on them, Page Up, Page Down, Home and End scroll.
+class CanvasView final : public QGraphicsView
+{
+    Q_OBJECT
+
+public:
+    explicit CanvasView(QWidget *parent = nullptr);
+
+    [[nodiscard]] PictureScene *canvas() const;
+
+protected:
+    void keyPressEvent(QKeyEvent *event) override;
+    bool focusNextPrevChild(bool next) override;
+
+private:
+    bool moveFocus(int step);
+    bool moveFocusToRow(int direction);
+    bool scrollBy(int key);
+    void focusOn(QGraphicsItem *item);
+};

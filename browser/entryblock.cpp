@@ -1,0 +1,175 @@
+#include "browser/entryblock.h"
+
+#include "browser/canvastexts.h"
+#include "browser/textitem.h"
+#include "store/colorsetting.h"
+
+#include <QPainter>
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+// All in pixels from the card's top left corner.
+constexpr int Padding = 16;
+constexpr int TextWidth = 268;
+constexpr int ArrowLeft = 294;
+constexpr int PicturesLeft = 322;
+constexpr int PictureGap = 12;
+constexpr QSize PictureBox(332, 226);
+constexpr int ArrowRight = PicturesLeft + 2 * 332 + PictureGap + 8;
+constexpr int WideTextWidth = EntryBlock::Width - PicturesLeft - Padding;
+constexpr int ButtonGap = 10;
+constexpr double CornerRadius = 8;
+constexpr int PairSize = 2;
+
+} // namespace
+
+EntryBlock::EntryBlock(const EntryCard &card, int number)
+    : m_card(card)
+    , m_colors(ColorSetting::instance().scheme())
+    , m_number(number)
+{
+}
+
+void EntryBlock::layOut()
+{
+    const double textBottom = addTexts();
+    const double contents = addButtons(textBottom);
+    const double pictures = hasPictures() ? Padding + PictureBox.height() : 0;
+    prepareGeometryChange();
+    m_height = std::ceil(std::max(contents, pictures)) + Padding;
+    if (hasPictures()) {
+        m_picturesTop = std::floor((m_height - PictureBox.height()) / 2);
+        addPair();
+    }
+}
+
+QString EntryBlock::key() const
+{
+    return u"%1-%2"_s.arg(QString::number(m_number), QString::number(m_firstPicture));
+}
+
+bool EntryBlock::turnTo(const QString &key)
+{
+    const int former = m_firstPicture;
+    for (int first = 0; first < m_card.pictures.size(); first += PairSize) {
+        m_firstPicture = first;
+        if (this->key() == key) {
+            qDeleteAll(m_pairItems);
+            m_pairItems.clear();
+            addPair();
+            return true;
+        }
+    }
+    m_firstPicture = former;
+    return false;
+}
+
+QList<QGraphicsItem *> EntryBlock::focusItems() const
+{
+    return m_buttons + m_pairItems;
+}
+
+QRectF EntryBlock::boundingRect() const
+{
+    return { 0, 0, Width, m_height };
+}
+
+void EntryBlock::paint(QPainter *painter, const QStyleOptionGraphicsItem *option, QWidget *widget)
+{
+    Q_UNUSED(option)
+    Q_UNUSED(widget)
+    painter->setRenderHint(QPainter::Antialiasing);
+    painter->setPen(QPen(m_colors.frame, 1));
+    painter->setBrush(m_colors.ground);
+    painter->drawRoundedRect(boundingRect().adjusted(0.5, 0.5, -0.5, -0.5), CornerRadius, CornerRadius);
+}
+
+/// Returns the lower edge of the texts.
+double EntryBlock::addTexts()
+{
+    const QColor text = m_colors.text;
+    double y = Padding - 4; // the line of the large number has room of its own above the digits
+    const auto addLine = [this, &y](const QString &line, int font, const QColor &color) {
+        const TextItem *item = addText(line, font, color, y, Padding, TextWidth);
+        y += item->height();
+        return item;
+    };
+    addLine(CanvasTexts::shown(m_card.number), 0, m_colors.accent);
+    addLine(CanvasTexts::shown(m_card.place), 2, text);
+    addLine(CanvasTexts::date(m_card.seen), 3, text);
+    const QString comment = CanvasTexts::shown(m_card.comment);
+    if (!hasPictures()) {
+        const TextItem *item = addText(comment, 4, text, Padding, PicturesLeft, WideTextWidth);
+        return std::max(y, Padding + item->height());
+    }
+    if (!comment.isEmpty()) {
+        y += 6;
+        addLine(comment, 4, text);
+    }
+    y += 6;
+    m_pictureText = addText(CanvasTexts::picturesShown(0, int(m_card.pictures.size())), 5, text, y, Padding, TextWidth);
+    return y + m_pictureText->height();
+}
+
+/// Places the buttons at the foot of the card; returns their lower edge.
+double EntryBlock::addButtons(double top)
+{
+    const int buttonHeight = buttonBox(ButtonKind::Edit).height();
+    const int pictureFoot = hasPictures() ? Padding + PictureBox.height() - buttonHeight : 0;
+    const double y = std::ceil(std::max(top + ButtonGap, double(pictureFoot)));
+    double x = Padding;
+    QList<ButtonKind> kinds { ButtonKind::Edit, ButtonKind::Delete };
+    if (m_entryCount >= 0) {
+        kinds.append(ButtonKind::Count);
+    }
+    for (const ButtonKind kind : std::as_const(kinds)) {
+        auto *button = new ButtonItem(kind, m_card.id, {}, this);
+        button->setPos(x, y + std::floor((buttonHeight - buttonBox(kind).height()) / 2.0));
+        m_buttons.append(button);
+        x += buttonBox(kind).width() + ButtonGap;
+    }
+    if (m_entryCount >= 0) {
+        TextItem *count = addText(QString::number(m_entryCount), 2, m_colors.text, y, x - 2, 0);
+        count->setPos(count->x(), y + std::floor((buttonHeight - count->height()) / 2));
+    }
+    return y + buttonHeight;
+}
+
+void EntryBlock::addPair()
+{
+    const auto pictures = int(m_card.pictures.size());
+    if (m_firstPicture > 0) {
+        addArrow(ButtonKind::Left, ArrowLeft);
+    }
+    const bool isSingle = pictures == 1;
+    for (int i = m_firstPicture; i < std::min(m_firstPicture + PairSize, pictures); ++i) {
+        const int column = PictureBox.width() + PictureGap;
+        const int x = PicturesLeft + (isSingle ? column / 2 : (i - m_firstPicture) * column);
+        auto *picture = new Picture(m_card.pictures.at(i), PictureBox, this);
+        picture->setPos(x, m_picturesTop);
+        m_pairItems.append(picture);
+    }
+    if (m_firstPicture + PairSize < pictures) {
+        addArrow(ButtonKind::Right, ArrowRight);
+    }
+    m_pictureText->setPlainText(CanvasTexts::picturesShown(m_firstPicture, pictures));
+}
+
+void EntryBlock::addArrow(ButtonKind kind, int x)
+{
+    auto *arrow = new ButtonItem(kind, m_card.id, key(), this);
+    arrow->setPos(x, m_picturesTop + (PictureBox.height() - buttonBox(kind).height()) / 2.0);
+    m_pairItems.append(arrow);
+}
+
+TextItem *EntryBlock::addText(
+    const QString &text, int font, const QColor &color, double top, double left, double width)
+{
+    auto *item = new TextItem(text, ColorSetting::instance().fontAt(font), color, width, this);
+    item->setPos(left, std::floor(top));
+    return item;
+}

@@ -1,0 +1,72 @@
+#include "browser/picture.h"
+
+#include "browser/focusframe.h"
+#include "store/pictureloader.h"
+
+#include <QCoreApplication>
+#include <QPainter>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr int Mat = 5; // white edge around the photograph, in pixels
+constexpr QSize PlaceholderSize(300, 200);
+constexpr QSize SmallestFrame(40, 40); // a photograph of a few pixels can still be seen and clicked
+const QString PlaceholderImage = u":/images/placeholder.png"_s;
+
+} // namespace
+
+Picture::Picture(const PicturePaths &paths, const QSize &box, QGraphicsItem *parent)
+    : QGraphicsItem(parent)
+    , m_paths(paths)
+{
+    setFlag(ItemIsFocusable);
+    const QSize room = box - QSize(2 * Mat, 2 * Mat);
+    const QSize size = pictureSize(paths.copy);
+    m_isPlaceholder = size.isEmpty();
+    const QSize shown = fittedInto(m_isPlaceholder ? PlaceholderSize : size, room);
+    const QSize frame = (shown + QSize(2 * Mat, 2 * Mat)).expandedTo(SmallestFrame);
+    m_frame = QRectF(QPointF((box.width() - frame.width()) / 2, (box.height() - frame.height()) / 2), frame);
+    m_area = QRectF(m_frame.topLeft()
+            + QPointF((frame.width() - shown.width()) / 2, (frame.height() - shown.height()) / 2),
+        shown);
+    setToolTip(m_isPlaceholder
+            ? QCoreApplication::translate("Picture", "Die Kopie dieses Bildes fehlt oder ist nicht lesbar.")
+            : QCoreApplication::translate("Picture", "Doppelklick öffnet das Original."));
+}
+
+QRectF Picture::boundingRect() const
+{
+    return FocusFrame::around(m_frame);
+}
+
+void Picture::paint(QPainter *painter, const QStyleOptionGraphicsItem *option, QWidget *widget)
+{
+    Q_UNUSED(option)
+    Q_UNUSED(widget)
+    const double scale = painter->device()->devicePixelRatioF();
+    if (m_pixmap.isNull() || !qFuzzyCompare(m_pixmap.devicePixelRatio(), scale)) {
+        decode(scale);
+    }
+    painter->setPen(QPen(QColor(0, 0, 0, 110), 1));
+    painter->setBrush(Qt::white);
+    painter->drawRect(m_frame.adjusted(0.5, 0.5, -0.5, -0.5));
+    painter->setRenderHint(QPainter::SmoothPixmapTransform);
+    painter->drawPixmap(m_area, m_pixmap, QRectF(m_pixmap.rect()));
+    if (hasFocus()) {
+        FocusFrame::paint(painter, m_frame);
+    }
+}
+
+void Picture::decode(double scale)
+{
+    const QSize wanted = (m_area.size() * scale).toSize();
+    QImage image = m_isPlaceholder ? QImage() : loadPicture(m_paths.copy, wanted);
+    if (image.isNull()) {
+        m_isPlaceholder = true; // the header was fine, the rest is not
+        image = loadPicture(PlaceholderImage, wanted);
+    }
+    m_pixmap = QPixmap::fromImage(image);
+    m_pixmap.setDevicePixelRatio(scale);
+}

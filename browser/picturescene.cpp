@@ -1,0 +1,384 @@
+#include "browser/picturescene.h"
+
+#include "browser/buttonitem.h"
+#include "browser/canvastexts.h"
+#include "browser/entryblock.h"
+#include "browser/loadprogress.h"
+#include "browser/pager.h"
+#include "browser/pictureopener.h"
+#include "browser/resultrows.h"
+#include "browser/startview.h"
+#include "browser/textitem.h"
+#include "forms/locseenform.h"
+#include "search/entrysearch.h"
+#include "store/catalogquery.h"
+#include "store/colorsetting.h"
+#include "store/rowvalue.h"
+
+#include <QGraphicsSceneMouseEvent>
+#include <QGraphicsView>
+
+#include <algorithm>
+#include <utility>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+// Scene pixels.
+constexpr int CanvasWidth = 1080;
+constexpr int CaptionLeft = 350;
+constexpr int CaptionTop = 20;
+constexpr int FirstBlockTop = 80;
+constexpr int BlockGap = 30;
+constexpr int MoreLeft = 950;
+
+constexpr int PicturesPerStep = 2;
+
+} // namespace
+
+PictureScene::PictureScene(QObject *parent)
+    : QGraphicsScene(parent)
+{
+    setSceneRect(0, 0, CanvasWidth, FirstBlockTop);
+}
+
+PictureScene::~PictureScene()
+{
+    clearCanvas();
+}
+
+void PictureScene::startSearch(const SearchParameters &parameters, int startEntry)
+{
+    clearCanvas();
+    m_parameters = parameters;
+    paintBackground();
+    m_position = startEntry;
+    loadPage(false);
+}
+
+void PictureScene::loadPage(bool continues)
+{
+    if (!continues) {
+        m_numbersShown.clear();
+    }
+    drawPage();
+}
+
+void PictureScene::restartSearch()
+{
+    m_position = 1;
+    loadPage(false);
+}
+
+void PictureScene::showNumber(int modelId, const QString &number)
+{
+    m_listing = NumberListing { modelId, number };
+    m_position = 1;
+    paintBackground();
+    drawListing();
+}
+
+void PictureScene::redraw()
+{
+    if (m_listing) {
+        drawListing();
+        return;
+    }
+    m_position = m_pageStart;
+    m_numbersShown = m_numbersOfEarlierPages; // else numbers of the first page would come up again on the second
+    drawPage();
+}
+
+void PictureScene::showStartView(const QSqlRecord &picture, const QSqlRecord &entry)
+{
+    clearCanvas();
+    m_startPicture = true;
+    const CatalogQuery &catalog = CatalogQuery::instance();
+    const QString modelName = catalog.modelName(rowId(entry, u"locseenid"_s));
+    const QList<QGraphicsItem *> items = startViewItems(picturePaths(picture), entryCard(entry, {}), modelName);
+    for (QGraphicsItem *item : items) {
+        addToCanvas(item);
+        m_y = std::max(m_y, item->sceneBoundingRect().bottom() + BlockGap);
+        if (item->type() == Picture::Type) {
+            m_otherFocusItems.append(item);
+        }
+    }
+    finishPage();
+}
+
+void PictureScene::clearCanvas()
+{
+    m_blocks.clear();
+    m_otherFocusItems.clear();
+    m_y = 0;
+    ColorSetting::clearItemsOf(this);
+}
+
+void PictureScene::paintBackground()
+{
+    setBackgroundBrush(QBrush(ColorSetting::instance().scheme().background(), Qt::SolidPattern));
+}
+
+QList<QGraphicsItem *> PictureScene::focusItems() const
+{
+    QList<QGraphicsItem *> items;
+    for (const EntryBlock *block : m_blocks) {
+        items += block->focusItems();
+    }
+    const bool isListing = m_listing.has_value(); // its back button stands above the blocks, the more button below
+    return isListing ? m_otherFocusItems + items : items + m_otherFocusItems;
+}
+
+void PictureScene::activate(QGraphicsItem *item)
+{
+    if (const auto *button = qgraphicsitem_cast<ButtonItem *>(item)) {
+        press(*button);
+    } else if (const auto *picture = qgraphicsitem_cast<Picture *>(item)) {
+        openSourcePicture(picture->sourcePath(), window());
+    }
+}
+
+void PictureScene::mousePressEvent(QGraphicsSceneMouseEvent *event)
+{
+    QGraphicsItem *item = itemAt(event->scenePos(), {});
+    if (event->button() == Qt::LeftButton && qgraphicsitem_cast<ButtonItem *>(item)) {
+        activate(item);
+    }
+    event->accept();
+}
+
+void PictureScene::mouseDoubleClickEvent(QGraphicsSceneMouseEvent *event)
+{
+    QGraphicsItem *item = itemAt(event->scenePos(), {});
+    if (event->button() == Qt::LeftButton && qgraphicsitem_cast<Picture *>(item)) {
+        activate(item);
+    }
+    event->accept();
+}
+
+void PictureScene::drawPage()
+{
+    const bool wasBusy = std::exchange(m_busy, true);
+    m_startPicture = false;
+    clearCanvas();
+    const SearchParameters parameters = m_parameters.value_or(SearchParameters());
+    ColorSetting::instance().setOnce(parameters.once);
+    const CatalogQuery &catalog = CatalogQuery::instance();
+    drawCaption(CanvasTexts::resultCaption(
+        catalog.countEntriesOfModel(parameters.modelId), catalog.modelName(parameters.modelId)));
+    m_numbersOfEarlierPages = m_numbersShown;
+    QList<QSqlRecord> list;
+    entriesOfModel(list, parameters.orderClause, parameters.modelId);
+    ResultRows rows(list);
+    drawRows(rows, parameters);
+    finishPage();
+    m_busy = wasBusy;
+}
+
+void PictureScene::drawRows(ResultRows &rows, const SearchParameters &parameters)
+{
+    const int n = rows.size();
+    m_pageStart = m_position;
+    m_y = FirstBlockTop;
+    Pager pager(m_position, n, parameters.once);
+    LoadProgress progress(CanvasTexts::progressLabel(n, m_position, parameters.once), n, window());
+    for (int i = 0; i < n; ++i) {
+        if (!pager.takes(i)) {
+            continue;
+        }
+        m_position = pager.position();
+        if (takeRow(rows, i, parameters)) {
+            pager.countBlock();
+        }
+        if (pager.endsPage(rows.nextHasSameNumber(i))) {
+            if (i + 1 < n) {
+                drawButton(new ButtonItem(ButtonKind::More, 0), QPointF(MoreLeft, m_y - 10));
+                m_y += BlockGap;
+            }
+            return;
+        }
+        if (!progress.advance(i)) {
+            return;
+        }
+    }
+}
+
+/// Draws the row's block unless the search leaves it out; true when it was drawn.
+bool PictureScene::takeRow(ResultRows &rows, int index, const SearchParameters &parameters)
+{
+    if (parameters.picturesOnly && rows.pictures(index).isEmpty()) {
+        return false;
+    }
+    int entryCount = -1;
+    if (parameters.once) {
+        const QString number = rows.number(index);
+        if (m_numbersShown.contains(number)) {
+            return false;
+        }
+        m_numbersShown.append(number);
+        entryCount = rows.entriesWithNumberOf(index);
+    }
+    drawBlock(rows.row(index), rows.pictures(index), entryCount);
+    return true;
+}
+
+void PictureScene::drawListing()
+{
+    const bool wasBusy = std::exchange(m_busy, true);
+    m_startPicture = false;
+    clearCanvas();
+    const CatalogQuery &catalog = CatalogQuery::instance();
+    drawButton(new ButtonItem(ButtonKind::Back, 0), QPointF(EntryBlock::Left, CaptionTop));
+    drawCaption(CanvasTexts::listingCaption(catalog.countEntriesByNumber(m_listing->number, m_listing->modelId),
+        catalog.modelName(m_listing->modelId), m_listing->number));
+    QList<QSqlRecord> list;
+    catalog.entriesByNumber(list, m_listing->number, m_listing->modelId);
+    ResultRows rows(list);
+    m_y = FirstBlockTop;
+    LoadProgress progress(CanvasTexts::progressLabel(rows.size(), m_position, false), rows.size(), window());
+    for (int i = 0; i < rows.size() && progress.advance(i); ++i) {
+        drawBlock(rows.row(i), rows.pictures(i), -1);
+    }
+    finishPage();
+    m_busy = wasBusy;
+}
+
+void PictureScene::drawBlock(const QSqlRecord &entry, const QList<QSqlRecord> &pictures, int entryCount)
+{
+    auto *block = new EntryBlock(entryCard(entry, pictures), int(m_blocks.size()) + 1);
+    if (entryCount >= 0) {
+        block->setEntryCount(entryCount);
+    }
+    block->layOut();
+    block->setPos(EntryBlock::Left, m_y);
+    addToCanvas(block);
+    m_blocks.append(block);
+    m_y += block->height() + BlockGap;
+}
+
+void PictureScene::drawCaption(const QString &text)
+{
+    const ColorSetting &setting = ColorSetting::instance();
+    const double width = EntryBlock::Left + EntryBlock::Width - CaptionLeft;
+    auto *caption = new TextItem(text, setting.fontAt(0), setting.scheme().textColor(), width);
+    caption->setPos(CaptionLeft, CaptionTop);
+    addToCanvas(caption);
+}
+
+void PictureScene::drawButton(ButtonItem *button, const QPointF &position)
+{
+    button->setPos(position);
+    addToCanvas(button);
+    m_otherFocusItems.append(button);
+}
+
+void PictureScene::addToCanvas(QGraphicsItem *item)
+{
+    addItem(item);
+    ColorSetting::instance().addItem(item);
+}
+
+void PictureScene::finishPage()
+{
+    QRectF rect = sceneRect();
+    rect.setTopLeft({ 0, 0 });
+    rect.setHeight(m_y);
+    setSceneRect(rect);
+    if (QGraphicsView *view = ColorSetting::instance().view()) {
+        view->centerOn(0, 0);
+    }
+    update();
+    Q_EMIT contentsChanged();
+}
+
+void PictureScene::press(const ButtonItem &button)
+{
+    const int entryId = button.entryId();
+    const QString key = button.key();
+    const QPointF position = button.scenePos();
+    switch (button.kind()) {
+    case ButtonKind::Delete:
+        return afterwards([=, this] { deleteEntry(entryId, position); });
+    case ButtonKind::Left:
+        return afterwards([=, this] { turnPictures(entryId, key, -PicturesPerStep); });
+    case ButtonKind::Right:
+        return afterwards([=, this] { turnPictures(entryId, key, PicturesPerStep); });
+    case ButtonKind::Count:
+        return afterwards([=, this] { Q_EMIT numberListingRequested(entryId); });
+    case ButtonKind::Back:
+        return afterwards([this] { Q_EMIT backRequested(); });
+    case ButtonKind::More:
+        if (!m_listing) {
+            afterwards([this] { loadPage(true); });
+        }
+        return;
+    case ButtonKind::Edit:
+    case ButtonKind::Photo:
+        break;
+    }
+    afterwards([=, this] { editEntry(entryId, position); });
+}
+
+/// Carries out a press when its event is over, because the redraw deletes the pressed button itself.
+void PictureScene::afterwards(std::function<void()> action)
+{
+    if (std::exchange(m_busy, true)) {
+        return; // one press at a time
+    }
+    QMetaObject::invokeMethod(
+        this,
+        [this, action = std::move(action)] {
+            action();
+            m_busy = false;
+        },
+        Qt::QueuedConnection);
+}
+
+void PictureScene::editEntry(int entryId, const QPointF &position)
+{
+    LocseenForm form(entryId, CatalogQuery::instance().modelIdOfEntry(entryId), window());
+    form.exec();
+    if (form.hasChanged()) {
+        redrawAt(position);
+    }
+}
+
+void PictureScene::deleteEntry(int entryId, const QPointF &position)
+{
+    QString number;
+    int modelId = 0;
+    if (CatalogQuery::instance().deleteEntry(entryId, number, modelId)) {
+        redrawAt(position);
+    }
+}
+
+void PictureScene::turnPictures(int entryId, const QString &key, int step)
+{
+    const int block = key.section(u'-', 0, 0).toInt();
+    const int first = key.section(u'-', 1, 1).toInt() + step;
+    if (first < 0) {
+        return;
+    }
+    const QString turned = u"%1-%2"_s.arg(QString::number(block), QString::number(first));
+    for (EntryBlock *entryBlock : std::as_const(m_blocks)) {
+        if (entryBlock->card().id == entryId) {
+            entryBlock->turnTo(turned);
+        }
+    }
+    update();
+    Q_EMIT contentsChanged();
+}
+
+void PictureScene::redrawAt(const QPointF &position)
+{
+    redraw();
+    ColorSetting::instance().view()->centerOn(position);
+    Q_EMIT entryChanged();
+}
+
+QWidget *PictureScene::window()
+{
+    const QGraphicsView *view = ColorSetting::instance().view();
+    return view ? view->window() : nullptr;
+}
