@@ -58,7 +58,7 @@ void LocseenForm::buildWidgets()
     auto *layout = new QVBoxLayout(this);
     layout->addLayout(boxes, 1);
     layout->addLayout(closeRow(this));
-    m_saveButton->setDefault(true); // else Return in a field would close the form and drop a new entry
+    m_saveButton->setDefault(true); // Return in a field must never close the form and drop a new entry
     setTabOrders();
     resize(FirstSize);
 }

@@ -540,9 +540,13 @@ void TestLocPictureForm::chosenPictureIsSavedOnlyOnce()
     LocPictureForm form(Entry, -1);
     choose(form);
     press(form, u"saveButton"_s);
+    const QString path = form.copyPath();
+    const int writes = m_catalogue->value(u"SELECT total_changes()"_s).toInt();
     form.addLocPicture();
     press(form, u"closeButton"_s);
     form.addLocPicture();
+    QCOMPARE(m_catalogue->value(u"SELECT total_changes()"_s).toInt(), writes);
+    QCOMPARE(form.copyPath(), path);
     QVERIFY(form.isSaved());
     QVERIFY(form.hasChosenPicture());
     QCOMPARE(form.result(), int(QDialog::Accepted));

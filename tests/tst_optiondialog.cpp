@@ -362,7 +362,8 @@ void TestOptionDialog::searchButtonAndReturnEndWithOne()
 {
     ModalScript script;
     script.then([&script](QWidget *widget) { script.click(widget, u"Suchen"_s); });
-    script.then([](QWidget *widget) { QTest::keyClick(widget->focusWidget(), Qt::Key_Return); });
+    script.then(
+        [](QWidget *widget) { QTest::keyClick(widget->findChild<QComboBox *>(u"modelBox"_s), Qt::Key_Return); });
     OptionDialog clicked(classesOf(m_group), m_group);
     QCOMPARE(clicked.exec(), 1);
     OptionDialog typed(classesOf(m_group), m_group);
