@@ -13,6 +13,8 @@
 #include <QLineEdit>
 #include <QPushButton>
 
+#include <utility>
+
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -40,6 +42,9 @@ LocGroupForm::LocGroupForm(int modelId, const QString &modelName, QWidget *paren
 
 void LocGroupForm::checktextEdits()
 {
+    if (!m_assignButton) {
+        return; // the move dialog has none
+    }
     const bool hasName = !m_nameEdit->text().isEmpty();
     m_assignButton->setEnabled(hasName);
     if (!hasName) {
@@ -52,6 +57,7 @@ void LocGroupForm::addGroup()
     const WriteOutcome outcome = executeWrite(u"INSERT INTO locomotive (name, pictPath) VALUES (:nam, :pict) "_s,
         { { u":nam"_s, cutText(m_nameEdit->text(), TextLimit::Name) }, { u":pict"_s, m_picturePath } });
     if (outcome.done) {
+        m_unusedPictureId = -1; // the group has it
         m_groupList->refresh();
         m_groupList->showRow(outcome.newId);
         readyForNextGroup();
@@ -78,6 +84,9 @@ void LocGroupForm::moveToGroup()
 
 void LocGroupForm::showLocPicture()
 {
+    if (!m_preview) {
+        return; // the move dialog has none
+    }
     if (m_groupList->chosenId() == 0) {
         tellNothingChosen();
         return;
@@ -87,8 +96,14 @@ void LocGroupForm::showLocPicture()
 
 void LocGroupForm::newLocPicture()
 {
-    const QString path = choosePicture();
+    if (!m_preview) {
+        return; // the move dialog has none
+    }
+    int pictureId = -1;
+    const QString path = choosePicture(pictureId);
     if (!path.isEmpty()) {
+        dropUnusedPicture();
+        m_unusedPictureId = pictureId;
         m_picturePath = path;
         m_pictureChosen = true;
     }
@@ -100,10 +115,11 @@ void LocGroupForm::newLocPicture()
 void LocGroupForm::changeLocPicture()
 {
     const int groupId = m_groupList->chosenId();
-    if (groupId == 0) {
+    if (groupId == 0 || !m_preview) {
         return;
     }
-    const QString path = choosePicture();
+    int pictureId = -1;
+    const QString path = choosePicture(pictureId);
     if (path.isEmpty()) {
         return;
     }
@@ -111,6 +127,7 @@ void LocGroupForm::changeLocPicture()
         u"UPDATE locomotive SET pictPath = :pict WHERE id = %1"_s.arg(groupId), { { u":pict"_s, path } });
     if (!outcome.done) {
         MessageBox::information(this, tr("DB-Update"), outcome.errorText);
+        LocPictureForm::deletePicture(pictureId, false, this); // no group has it
     }
     m_groupList->refresh();
     m_changeButton->setEnabled(false);
@@ -174,8 +191,22 @@ void LocGroupForm::warnOfModels()
         tr("Die Gruppe kann nicht entfernt werden, da sich noch Baureihen darunter befinden!"));
 }
 
-/// Lets the user choose and store a group picture; returns the path of its copy, empty when there is none.
-QString LocGroupForm::choosePicture()
+void LocGroupForm::done(int result)
+{
+    dropUnusedPicture();
+    QDialog::done(result);
+}
+
+/// A picture that was assigned to a group which was then never added would stay in the store for ever.
+void LocGroupForm::dropUnusedPicture()
+{
+    if (m_unusedPictureId >= 1) {
+        LocPictureForm::deletePicture(std::exchange(m_unusedPictureId, -1), false, this);
+    }
+}
+
+/// Lets the user choose and store a group picture; returns the path of its copy, empty when there is none, and its id.
+QString LocGroupForm::choosePicture(int &pictureId)
 {
     LocPictureForm form(-1, -1, this);
     form.setTargetFolder(groupPictureFolder());
@@ -186,6 +217,7 @@ QString LocGroupForm::choosePicture()
     if (!form.isSaved()) {
         return {};
     }
+    pictureId = form.pictureId();
     m_groupList->refresh();
     showPicture(form.copyPath());
     return form.copyPath();

@@ -12,7 +12,8 @@ class QPushButton;
 class RowList;
 
 /// Two dialogs over the list of class groups: one maintains the groups and their pictures, the other picks the group
-/// into which a class is moved. A group's picture is stored through the picture form; no picture file is ever deleted.
+/// into which a class is moved. A group's picture is stored through the picture form; deleting a group leaves
+/// its picture file alone.
 class LocGroupForm final : public QDialog
 {
     Q_OBJECT
@@ -23,6 +24,8 @@ public:
 
     /// The move dialog for a class.
     LocGroupForm(int modelId, const QString &modelName, QWidget *parent);
+
+    void done(int result) override;
 
 Q_SIGNALS:
     /// Groups or their pictures may differ from what was shown so far.
@@ -48,7 +51,8 @@ private:
     QLayout *buildPictureColumn();
     void finish(QGroupBox *box, const QString &title);
 
-    QString choosePicture();
+    QString choosePicture(int &pictureId);
+    void dropUnusedPicture();
     void showPicture(const QString &path);
     void readyForNextGroup();
     void tellNothingChosen();
@@ -58,6 +62,7 @@ private:
     QString m_modelName;
     bool m_pictureChosen = false; // for the group about to be added
     QString m_picturePath;
+    int m_unusedPictureId = -1; // of an assigned picture that no group has yet
     RowList *m_groupList = nullptr;
     QLineEdit *m_nameEdit = nullptr;
     QPushButton *m_saveButton = nullptr;

@@ -2,6 +2,7 @@
 
 #include "forms/dialogstyle.h"
 #include "forms/formparts.h"
+#include "forms/inputguards.h"
 #include "forms/locgroupform.h"
 #include "forms/picturepreview.h"
 #include "forms/rowlist.h"
@@ -66,6 +67,7 @@ QLayout *LocGroupForm::buildNameRow()
 {
     m_nameEdit = new QLineEdit;
     m_nameEdit->setObjectName(u"nameEdit"_s);
+    InputGuards::keepOnOneLine(m_nameEdit);
     m_saveButton = disabledButton(tr("Speichern"), u"saveButton"_s);
     connect(m_nameEdit, &QLineEdit::textEdited, this, &LocGroupForm::checktextEdits);
     connect(m_saveButton, &QPushButton::clicked, this, &LocGroupForm::addGroup);

@@ -2,6 +2,7 @@
 
 #include "forms/dialogstyle.h"
 #include "forms/formparts.h"
+#include "forms/inputguards.h"
 #include "forms/locgroupform.h"
 #include "forms/rowlist.h"
 #include "search/messagebox.h"
@@ -141,6 +142,7 @@ QLayout *LocModelForm::buildNameRow()
 {
     m_nameEdit = new QLineEdit;
     m_nameEdit->setObjectName(u"nameEdit"_s);
+    InputGuards::keepOnOneLine(m_nameEdit);
     m_saveButton = disabledButton(tr("Speichern"), u"saveButton"_s);
     auto *row = new QHBoxLayout;
     row->addWidget(label(tr("Name der neuen Baureihe:"), m_nameEdit));

@@ -10,6 +10,7 @@
 #include "store/textcut.h"
 
 #include <QDebug>
+#include <QDir>
 #include <QFileInfo>
 #include <QGridLayout>
 #include <QGroupBox>
@@ -111,7 +112,6 @@ void LocPictureForm::addLocPicture()
     if (m_copy.isNull()) {
         return; // nothing chosen, or saved already
     }
-    takeFreeName();
     if (m_pictureId >= 1) {
         updateStored();
     } else {
@@ -125,6 +125,8 @@ void LocPictureForm::done(int result)
         = m_picture.copyPath != m_storedPicture.copyPath || m_picture.originalPath != m_storedPicture.originalPath;
     if (result == Rejected && m_saved && !m_targetFolder.isEmpty()) {
         takeBack();
+    } else if (result == Rejected && !m_copy.isNull()) {
+        m_picture = m_storedPicture; // chosen but not saved: the stored picture stays what it was
     } else if (m_pictureId >= 1 && pathsDiffer) {
         updateStored();
     }
@@ -191,7 +193,7 @@ void LocPictureForm::takeChoice(const QString &path, const QImage &copy)
     m_picture.height = copy.height();
     m_picture.width = copy.width();
     showPaths();
-    m_preview->showFile(path);
+    m_preview->showImage(copy); // reading a large photograph a second time would double the wait
     m_browseButton->setEnabled(false);
     m_saveButton->setEnabled(true);
     m_saveButton->setDefault(true);
@@ -201,6 +203,7 @@ void LocPictureForm::takeChoice(const QString &path, const QImage &copy)
 QString LocPictureForm::copyFolder() const
 {
     if (!m_targetFolder.isEmpty()) {
+        QDir(u"./Data/Pictures"_s).mkdir(m_targetFolder); // may have been removed by hand
         return m_targetFolder;
     }
     const PictureStore &store = ColorSetting::instance().pictureStore();
@@ -219,6 +222,7 @@ void LocPictureForm::takeFreeName()
 
 void LocPictureForm::insertChosen()
 {
+    takeFreeName();
     const PictureOutcome outcome = insertPicture(m_picture, m_copy);
     if (!isStored(outcome, tr("DB-Insert"))) {
         return;
@@ -232,6 +236,9 @@ void LocPictureForm::insertChosen()
 void LocPictureForm::updateStored()
 {
     const bool replaced = !m_copy.isNull();
+    if (replaced) {
+        takeFreeName();
+    }
     if (!isStored(updatePicture(m_pictureId, m_picture, m_copy), tr("DB-Update"))) {
         return;
     }

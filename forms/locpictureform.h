@@ -31,6 +31,8 @@ public:
     /// Also true when the chosen picture has been saved meanwhile.
     [[nodiscard]] bool hasChosenPicture() const { return m_chosen; }
     [[nodiscard]] QString copyPath() const { return m_picture.copyPath; }
+    /// Id of the stored picture; -1 while there is none.
+    [[nodiscard]] int pictureId() const { return m_pictureId; }
     /// The day on which the chosen file was last changed.
     [[nodiscard]] std::optional<QDate> pictureDate() const { return m_pictureDate; }
 

@@ -50,6 +50,11 @@ LocseenForm::LocseenForm(int entryId, int modelId, QWidget *parent)
     connectWidgets(); // after filling, which is no edit
 }
 
+LocseenForm::~LocseenForm()
+{
+    m_numberEdit->disconnect(this); // losing the focus while it dies, it would still announce the end of editing
+}
+
 void LocseenForm::checktextEdits()
 {
     if (!m_editable) {
@@ -129,8 +134,9 @@ void LocseenForm::getTableViewIndex()
 
 void LocseenForm::done(int result)
 {
-    if (m_entryId > 0) {
-        updateEntry();
+    if (m_entryId > 0 && !updateEntry() && !m_closingFailed) {
+        m_closingFailed = true; // the edits are still here to be saved later; a second closing gives them up
+        return;
     }
     if (isEdited() || m_modified) {
         m_changed = true;
@@ -156,6 +162,7 @@ void LocseenForm::showEntry()
     m_commentEdit->setPlainText(rowText(entry, u"kommentar"_s));
     m_startDateEdit->setDate(entry.value(u"startdate"_s).toDate());
     m_seenDateEdit->setDate(entry.value(u"locseendate"_s).toDate());
+    m_rowSeenDate = entry.value(u"locseendate"_s);
     m_modelId = rowId(entry, u"locseenid"_s);
     keepAsStored();
     m_newButton->setEnabled(true);
@@ -213,23 +220,32 @@ void LocseenForm::insertEntry()
     m_startDateEdit->setEnabled(false);
 }
 
-void LocseenForm::updateEntry()
+/// False when there are edits that could not be stored; the user has then been told.
+bool LocseenForm::updateEntry()
 {
     if (m_entryId < 1 || !isEdited()) {
-        return;
+        return true;
     }
+    // A date that the field cannot show stays as it is in the row until the user chooses another one.
+    const bool dateChosen = m_seenDateEdit->date() != m_storedSeenDate;
+    const QVariant seenDate = dateChosen || !m_rowSeenDate ? QVariant(m_seenDateEdit->date()) : *m_rowSeenDate;
     const WriteOutcome outcome = executeWrite(
         u"UPDATE loc_seen SET nummer = :num, ort = :ort, kommentar = :kmt,  locseendate = :seend WHERE id = %1"_s.arg(
             m_entryId),
         { { u":num"_s, cutText(m_numberEdit->text(), TextLimit::Number) },
             { u":ort"_s, cutText(m_placeEdit->text(), TextLimit::Place) },
-            { u":kmt"_s, storedComment(m_commentEdit->toPlainText()) }, { u":seend"_s, m_seenDateEdit->date() } });
-    if (!outcome.done) {
-        MessageBox::information(this, tr("DB-Update"), outcome.errorText);
-        return;
+            { u":kmt"_s, storedComment(m_commentEdit->toPlainText()) }, { u":seend"_s, seenDate } });
+    if (!outcome.done || outcome.rows == 0) {
+        const QString vanished = tr("Der Eintrag ist nicht mehr vorhanden, er wurde inzwischen gelöscht.");
+        MessageBox::information(this, tr("DB-Update"), outcome.done ? vanished : outcome.errorText);
+        return false;
+    }
+    if (dateChosen) {
+        m_rowSeenDate.reset();
     }
     m_modified = true;
     keepAsStored(); // else an edit that is taken back later would not be seen as one
+    return true;
 }
 
 void LocseenForm::takePictureDate(const QDate &date)

@@ -2,6 +2,7 @@
 
 #include <QDate>
 #include <QDialog>
+#include <QVariant>
 
 #include <optional>
 
@@ -22,6 +23,8 @@ class LocseenForm final : public QDialog
 public:
     /// `entryId` is -1 for a new entry, which then belongs to the class `modelId`.
     LocseenForm(int entryId, int modelId, QWidget *parent = nullptr);
+    ~LocseenForm() override;
+    Q_DISABLE_COPY_MOVE(LocseenForm)
 
     /// After the form was closed: whether the entry or its pictures are no longer what they were.
     [[nodiscard]] bool hasChanged() const { return m_changed; }
@@ -47,7 +50,7 @@ private:
     void keepAsStored();
     [[nodiscard]] bool isEdited() const;
     void insertEntry();
-    void updateEntry();
+    bool updateEntry();
     void takePictureDate(const QDate &date);
     void showPicture(const QString &path);
     void tellNothingChosen();
@@ -58,10 +61,12 @@ private:
     QString m_storedPlace;
     QString m_storedComment;
     std::optional<QDate> m_storedSeenDate; // none for a new entry
+    std::optional<QVariant> m_rowSeenDate; // as the row holds it; none once the form has written a date
     bool m_isNew;
     bool m_editable = true; // edits test "Speichern" anew
     bool m_modified = false; // something has been written
     bool m_changed = false;
+    bool m_closingFailed = false; // closing was refused once, because the edits could not be stored
     QLineEdit *m_numberEdit = nullptr;
     QLineEdit *m_placeEdit = nullptr;
     QTextEdit *m_commentEdit = nullptr;

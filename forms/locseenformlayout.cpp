@@ -2,6 +2,7 @@
 
 #include "forms/dialogstyle.h"
 #include "forms/formparts.h"
+#include "forms/inputguards.h"
 #include "forms/locseenform.h"
 #include "forms/picturepreview.h"
 #include "forms/picturetable.h"
@@ -39,6 +40,7 @@ QDateEdit *dateEdit(const QString &objectName)
     edit->setObjectName(objectName);
     edit->setDisplayFormat(u"dd.MM.yyyy"_s);
     edit->setCalendarPopup(true);
+    InputGuards::ignoreWheelWithoutFocus(edit);
     return edit;
 }
 
@@ -67,6 +69,8 @@ void LocseenForm::buildFields()
 {
     m_numberEdit = lineEdit(u"numberEdit"_s);
     m_placeEdit = lineEdit(u"placeEdit"_s);
+    InputGuards::keepOnOneLine(m_numberEdit);
+    InputGuards::keepOnOneLine(m_placeEdit);
     m_commentEdit = new QTextEdit;
     m_commentEdit->setObjectName(u"commentEdit"_s);
     m_commentEdit->setAcceptRichText(false);
@@ -93,11 +97,11 @@ QGroupBox *LocseenForm::buildEntryBox()
     grid->addWidget(m_commentEdit, 2, 1, 1, 2);
     grid->addWidget(label(tr("Gesehen am:"), m_seenDateEdit), 3, 0);
     grid->addWidget(m_seenDateEdit, 3, 1);
-    grid->addWidget(hint, 3, 2);
     grid->addWidget(label(tr("Erfasst am:"), m_startDateEdit), 4, 0);
     grid->addWidget(m_startDateEdit, 4, 1);
     grid->addWidget(label(tr("Baureihe:"), m_modelEdit), 5, 0);
     grid->addWidget(m_modelEdit, 5, 1, 1, 2);
+    grid->addWidget(hint, 6, 1, 1, 2);
     grid->addLayout(buttonRow({ m_saveButton }), 8, 1, 1, 2);
     grid->setRowMinimumHeight(7, 10);
     grid->setRowStretch(9, 1);

@@ -21,11 +21,18 @@ PicturePreview::PicturePreview(QWidget *parent, const QSize &sceneSize)
 
 bool PicturePreview::showFile(const QString &path)
 {
-    const QRectF area = sceneRect();
-    QImage image = loadPicture(path, (area.size() * devicePixelRatioF()).toSize());
-    if (image.isNull()) {
+    return showImage(loadPicture(path, (sceneRect().size() * devicePixelRatioF()).toSize()));
+}
+
+bool PicturePreview::showImage(const QImage &picture)
+{
+    if (picture.isNull()) {
         return false;
     }
+    const QRectF area = sceneRect();
+    const QSize room = (area.size() * devicePixelRatioF()).toSize();
+    QImage image
+        = picture.scaled(fittedInto(picture.size(), room), Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
     image.setDevicePixelRatio(devicePixelRatioF());
     clear();
     QGraphicsPixmapItem *item = scene()->addPixmap(QPixmap::fromImage(image));

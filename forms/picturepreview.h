@@ -17,5 +17,8 @@ public:
     /// Shows the file in place of the present picture. False, with nothing changed, when it cannot be read.
     bool showFile(const QString &path);
 
+    /// False when the image is null; then the view stays as it is.
+    bool showImage(const QImage &picture);
+
     void clear();
 };

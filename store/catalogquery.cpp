@@ -9,6 +9,7 @@
 
 #include <QCoreApplication>
 #include <QDebug>
+#include <QSqlError>
 #include <QSqlQuery>
 
 using namespace Qt::StringLiterals;
@@ -21,6 +22,7 @@ template <typename Take> void readRows(const QString &statement, Take take)
     QSqlQuery query;
     query.setForwardOnly(true);
     if (!query.exec(statement)) {
+        qDebug().noquote() << query.lastError().text();
         return;
     }
     while (query.next()) {
@@ -278,10 +280,10 @@ bool CatalogQuery::deleteEntry(int entryId, QString &nummer, int &modelId) const
     }
     nummer = rowText(rows.first(), u"nummer"_s);
     modelId = rowId(rows.first(), u"locseenid"_s);
-    const QString question = QCoreApplication::translate("CatalogQuery",
-        "Eintrag %1 mit der Lok-Nummer %2 und alle dazugehörenden Bilder löschen?");
+    const QString question = QCoreApplication::translate(
+        "CatalogQuery", "Eintrag %1 mit der Lok-Nummer %2 und alle dazugehörenden Bilder löschen?");
     if (!MessageBox::confirm(nullptr, QCoreApplication::translate("CatalogQuery", "Eintrag Entfernen"),
-            question.arg(QString::number(entryId), nummer))) {
+            question.arg(QString::number(entryId), shortened(nummer)))) {
         return false;
     }
     const WriteOutcome outcome = removeEntry(entryId);

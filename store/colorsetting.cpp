@@ -6,6 +6,7 @@
 #include <QDebug>
 #include <QFontDatabase>
 #include <QGraphicsItem>
+#include <QSqlError>
 #include <QSqlQuery>
 
 #include <memory>
@@ -67,8 +68,8 @@ void ColorSetting::saveAndRelease()
 ColorSetting::ColorSetting()
     : m_scheme(storedBackground())
     , m_families(QFontDatabase::families(QFontDatabase::Latin))
-    , m_preferredFamilies { u"IrisUPC"_s, u"French Script MT"_s, u"Comic Sans MS"_s, u"Bradley Hand ITC"_s,
-        u"Batang"_s, u"Arabic Typesetting"_s, u"Arial"_s }
+    , m_preferredFamilies { u"IrisUPC"_s, u"French Script MT"_s, u"Comic Sans MS"_s, u"Bradley Hand ITC"_s, u"Batang"_s,
+        u"Arabic Typesetting"_s, u"Arial"_s }
 {
     m_fontFamily = m_preferredFamilies.first();
     const QStringList names { u"SingleOrMulti"_s, u"InclPictures"_s, u"Sort"_s };
@@ -91,10 +92,11 @@ ColorSetting::~ColorSetting()
 int ColorSetting::readSetting(const QString &category, const QString &name)
 {
     QSqlQuery query;
-    const bool found
-        = query.exec(u"SELECT * FROM settings WHERE category = '%1' AND name = '%2'"_s.arg(category, name))
-        && query.next();
-    return found ? query.value(u"value"_s).toInt() : 0;
+    if (!query.exec(u"SELECT * FROM settings WHERE category = '%1' AND name = '%2'"_s.arg(category, name))) {
+        qDebug().noquote() << query.lastError().text();
+        return 0;
+    }
+    return query.next() ? query.value(u"value"_s).toInt() : 0;
 }
 
 void ColorSetting::writeSetting(const QString &category, const QString &name, int value)
@@ -137,8 +139,8 @@ int ColorSetting::backgroundIndex() const
     return qMax(0, int(ColorScheme::palette().indexOf(m_scheme.background())));
 }
 
-void ColorSetting::addFont(const QFont &font, int divisor, const QRectF &rect, const QString &styleWord,
-    int pointSize, int pixelSize)
+void ColorSetting::addFont(
+    const QFont &font, int divisor, const QRectF &rect, const QString &styleWord, int pointSize, int pixelSize)
 {
     m_fonts.append(FontRecord(font, divisor, rect, styleWord, pointSize, pixelSize));
 }

@@ -16,7 +16,8 @@ class QGraphicsView;
 /// A font of the canvas texts. Creating the record sets the font's pixel size unless it has it already.
 struct FontRecord
 {
-    FontRecord(const QFont &font, int divisor, const QRectF &rect, const QString &styleWord, int pointSize, int pixelSize);
+    FontRecord(
+        const QFont &font, int divisor, const QRectF &rect, const QString &styleWord, int pointSize, int pixelSize);
 
     bool valid = true;
     QFont font;
@@ -70,8 +71,8 @@ public:
     [[nodiscard]] QStringList preferredFamilies() const { return m_preferredFamilies; }
     [[nodiscard]] const QList<FontRecord> &fonts() const { return m_fonts; }
 
-    void addFont(const QFont &font, int divisor, const QRectF &rect, const QString &styleWord, int pointSize,
-        int pixelSize);
+    void addFont(
+        const QFont &font, int divisor, const QRectF &rect, const QString &styleWord, int pointSize, int pixelSize);
 
     /// The recorded font, or the preferred family in its default size where there is no valid record.
     [[nodiscard]] QFont fontAt(int index) const;

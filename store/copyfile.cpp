@@ -44,7 +44,8 @@ QString copyPath(const QString &folder, const QDateTime &time)
     const QDate date = time.date();
     const QTime clock = time.time();
     QString name;
-    for (const int number : { date.year(), date.month(), date.day(), clock.hour(), clock.minute(), clock.second(), clock.msec() }) {
+    for (const int number :
+        { date.year(), date.month(), date.day(), clock.hour(), clock.minute(), clock.second(), clock.msec() }) {
         name += QString::number(number);
     }
     return u"./Data/Pictures/%1/"_s.arg(folder) + name + u".jpg"_s;

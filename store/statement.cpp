@@ -10,26 +10,26 @@ WriteOutcome runWrite(const QString &statement, const QList<BoundValue> &values)
 {
     QSqlQuery query;
     if (!query.prepare(statement)) {
-        return { false, query.lastError().text(), 0 };
+        return { false, query.lastError().text() };
     }
     for (const BoundValue &bound : values) {
         query.bindValue(bound.name, bound.value);
     }
     if (!query.exec()) {
-        return { false, query.lastError().text(), 0 };
+        return { false, query.lastError().text() };
     }
-    return { true, {}, rowId(query.lastInsertId()) };
+    return { true, {}, rowId(query.lastInsertId()), query.numRowsAffected() };
 }
 
 WriteOutcome executeWrite(const QString &statement, const QList<BoundValue> &values)
 {
     Transaction transaction;
     if (!transaction.isOpen()) {
-        return { false, transaction.errorText(), 0 };
+        return { false, transaction.errorText() };
     }
     WriteOutcome outcome = runWrite(statement, values);
     if (outcome.done && !transaction.commit()) {
-        return { false, transaction.errorText(), 0 };
+        return { false, transaction.errorText() };
     }
     return outcome;
 }

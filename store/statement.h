@@ -16,6 +16,7 @@ struct WriteOutcome
     bool done = false;
     QString errorText; // the driver's text
     int newId = 0; // of an inserted row
+    int rows = 0; // that the statement changed
 };
 
 /// Prepares, binds and executes one statement without a transaction of its own.

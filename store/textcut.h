@@ -20,3 +20,11 @@ constexpr qsizetype Comment = 198;
     const bool splitsPair = limit > 0 && text.at(limit - 1).isHighSurrogate() && text.at(limit).isLowSurrogate();
     return text.left(splitsPair ? limit - 1 : limit);
 }
+
+/// A stored text for a question to the user: what no form could have stored is cut, so that the question that goes on
+/// behind it can still be read.
+[[nodiscard]] inline QString shortened(const QString &text)
+{
+    constexpr qsizetype Longest = 60; // characters
+    return text.size() <= Longest ? text : cutText(text, Longest) + u'\u2026';
+}

@@ -51,7 +51,8 @@ void TestCatalogueCheck::init()
     writeTestJpeg(icon, { 60, 40 });
     const int group = m_catalogue->addGroup(u"Gotthard"_s, icon);
     QVERIFY(executeWrite(u"INSERT INTO loc_picture (pictAuxPath, pictOrigPath, pictHeight, pictWidth, locpictureid) "
-                         "VALUES ('%1', '', 40, 60, -1)"_s.arg(icon)).done);
+                         "VALUES ('%1', '', 40, 60, -1)"_s.arg(icon))
+                .done);
     const int entry = m_catalogue->addEntry(u"11407"_s, m_catalogue->addModel(u"Ae 6/6"_s, group));
     m_catalogue->addPicture(entry); // row 2
 }
@@ -187,7 +188,8 @@ void TestCatalogueCheck::nothingIsChanged()
 {
     const auto snapshot = [] {
         QStringList names;
-        QDirIterator files(u"."_s, QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden, QDirIterator::Subdirectories);
+        QDirIterator files(
+            u"."_s, QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden, QDirIterator::Subdirectories);
         while (files.hasNext()) {
             const QFileInfo file(files.next());
             names.append(file.filePath() + file.lastModified().toString(Qt::ISODateWithMs));

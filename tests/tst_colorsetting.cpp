@@ -4,9 +4,6 @@
 #include "tests/support/testmain.h"
 
 #include <QApplication>
-#include <QFontDatabase>
-#include <QGraphicsRectItem>
-#include <QGraphicsScene>
 #include <QSqlDatabase>
 #include <QSqlQuery>
 #include <QTest>
@@ -39,14 +36,6 @@ private Q_SLOTS:
     void foreignBackgroundIsSavedAsTheFirst();
     void lockedCatalogueKeepsItsSettings();
     void releasedSettingsAreMadeAnew();
-    void preferredFamiliesKeepTheirOrder();
-    void fontRecordTakesThePixelSize();
-    void fontsAreFoundByTheirPlace();
-    void divisorIsThatOfTheFirstEqualFont();
-    void charMetricsDivideTheWidthOnly();
-    void itemsAreDeletedTogether();
-    void itemsOfOneCanvasAreDeleted();
-    void endOfTheSettingsIsLogged();
     void pictureStoreIsReady();
 
 private:
@@ -96,7 +85,8 @@ void TestColorSetting::backgroundGivesTheOtherColours_data()
     QTest::addColumn<QColor>("accent");
     const QColor box(222, 222, 222);
     const QColor text(12, 15, 118);
-    QTest::newRow("black") << QColor(Qt::black) << 102 << QColor(Qt::darkGray) << QColor(Qt::white) << QColor(Qt::white);
+    QTest::newRow("black") << QColor(Qt::black) << 102 << QColor(Qt::darkGray) << QColor(Qt::white)
+                           << QColor(Qt::white);
     QTest::newRow("gray") << QColor(Qt::gray) << 101 << box << text << QColor(Qt::darkBlue);
     QTest::newRow("white") << QColor(Qt::white) << 101 << box << text << QColor(Qt::darkBlue);
     QTest::newRow("light blue") << QColor(185, 230, 255) << 101 << box << text << QColor(Qt::darkBlue);
@@ -253,107 +243,6 @@ void TestColorSetting::releasedSettingsAreMadeAnew()
     store(u"Sort"_s, 1);
     QCOMPARE(ColorSetting::instance().queryValue(u"Sort"_s), 1);
     QVERIFY(!ColorSetting::instance().once());
-}
-
-void TestColorSetting::preferredFamiliesKeepTheirOrder()
-{
-    const ColorSetting &settings = ColorSetting::instance();
-    QCOMPARE(settings.preferredFamilies(),
-        QStringList({ u"IrisUPC"_s, u"French Script MT"_s, u"Comic Sans MS"_s, u"Bradley Hand ITC"_s, u"Batang"_s,
-            u"Arabic Typesetting"_s, u"Arial"_s }));
-    QCOMPARE(settings.fontFamily(), u"IrisUPC"_s);
-    QCOMPARE(settings.families(), QFontDatabase::families(QFontDatabase::Latin));
-}
-
-void TestColorSetting::fontRecordTakesThePixelSize()
-{
-    QFont font(u"Arial"_s, 12);
-    const FontRecord record(font, 30, { 1, 1, 1, 10 }, u"bold"_s, 12, 26);
-    QVERIFY(record.valid);
-    QCOMPARE(record.font.pixelSize(), 26);
-    QCOMPARE(record.divisor, 30);
-    QCOMPARE(record.rect, QRectF(1, 1, 1, 10));
-    QCOMPARE(record.styleWord, u"bold"_s);
-    QCOMPARE(record.pointSize, 12);
-    QCOMPARE(record.pixelSize, 26);
-    font.setPixelSize(26);
-    QCOMPARE(FontRecord(font, 30, { 1, 1, 1, 10 }, u"bold"_s, 12, 26).font, font);
-}
-
-void TestColorSetting::fontsAreFoundByTheirPlace()
-{
-    ColorSetting &settings = ColorSetting::instance();
-    settings.addFont(QFont(u"Arial"_s), 30, { 1, 1, 1, 10 }, u"bold"_s, 12, 26);
-    settings.addFont(QFont(u"Batang"_s), 30, { 1, 1, 1, 10 }, u"italic"_s, 12, 20);
-    QCOMPARE(settings.fonts().size(), 2);
-    QCOMPARE(settings.fontAt(0).family(), u"Arial"_s);
-    QCOMPARE(settings.fontAt(0).pixelSize(), 26);
-    QCOMPARE(settings.fontAt(1).family(), u"Batang"_s);
-    QCOMPARE(settings.fontAt(2), QFont(u"IrisUPC"_s));
-    QCOMPARE(settings.fontAt(-1), QFont(u"IrisUPC"_s));
-}
-
-void TestColorSetting::divisorIsThatOfTheFirstEqualFont()
-{
-    ColorSetting &settings = ColorSetting::instance();
-    QFont font(u"Arial"_s);
-    font.setPixelSize(26);
-    QCOMPARE(settings.divisorOf(font), 0);
-    settings.addFont(QFont(u"Batang"_s), 40, { 1, 1, 1, 10 }, u"bold"_s, 12, 26);
-    settings.addFont(font, 30, { 1, 1, 1, 10 }, u"bold"_s, 12, 26);
-    settings.addFont(font, 50, { 1, 1, 1, 10 }, u"bold"_s, 12, 26);
-    QCOMPARE(settings.divisorOf(font), 30);
-    font.setPixelSize(27);
-    QCOMPARE(settings.divisorOf(font), 0);
-}
-
-void TestColorSetting::charMetricsDivideTheWidthOnly()
-{
-    ColorSetting &settings = ColorSetting::instance();
-    settings.addFont(QFont(u"Arial"_s), 30, { 1, 1, 60, 10 }, u"bold"_s, 12, 26);
-    QCOMPARE(settings.charMetrics(0), QSizeF(2, 10));
-    QCOMPARE(settings.charMetrics(1), QSizeF(0, 0));
-    QCOMPARE(settings.charMetrics(-1), QSizeF(0, 0));
-}
-
-void TestColorSetting::itemsAreDeletedTogether()
-{
-    QGraphicsScene canvas;
-    ColorSetting &settings = ColorSetting::instance();
-    for (int i = 0; i < 3; ++i) {
-        settings.addItem(canvas.addRect(0, 0, 1, 1));
-    }
-    settings.clearItems();
-    QVERIFY(settings.items().isEmpty());
-    QVERIFY(canvas.items().isEmpty());
-    settings.clearItems();
-
-    settings.addItem(canvas.addRect(0, 0, 1, 1));
-    ColorSetting::saveAndRelease();
-    QVERIFY(canvas.items().isEmpty());
-}
-
-void TestColorSetting::itemsOfOneCanvasAreDeleted()
-{
-    QGraphicsScene first;
-    QGraphicsScene second;
-    ColorSetting &settings = ColorSetting::instance();
-    settings.addItem(first.addRect(0, 0, 1, 1));
-    settings.addItem(second.addRect(0, 0, 1, 1));
-    ColorSetting::clearItemsOf(&first);
-    QVERIFY(first.items().isEmpty());
-    QCOMPARE(settings.items(), second.items());
-    ColorSetting::saveAndRelease();
-    ColorSetting::clearItemsOf(&second); // a canvas that is destroyed last finds the settings gone
-    QVERIFY(second.items().isEmpty());
-}
-
-void TestColorSetting::endOfTheSettingsIsLogged()
-{
-    ColorSetting::instance().addFont(QFont(u"Arial"_s), 30, { 1, 1, 60, 10 }, u"bold"_s, 12, 26);
-    QTest::ignoreMessage(QtDebugMsg, "\"Arial\" - W/H 1 Char: 2 10 - Ps: 26");
-    QTest::ignoreMessage(QtDebugMsg, "ColorSetting Dtor done!");
-    ColorSetting::saveAndRelease();
 }
 
 void TestColorSetting::pictureStoreIsReady()

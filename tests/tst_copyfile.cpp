@@ -1,5 +1,5 @@
-#include "store/copyfile.h"
 #include "search/clock.h"
+#include "store/copyfile.h"
 #include "tests/support/testcatalogue.h"
 #include "tests/support/testmain.h"
 #include "tests/support/testpictures.h"
@@ -65,11 +65,12 @@ void TestCopyFile::nameIsMadeOfBareNumbers_data()
 {
     QTest::addColumn<QDateTime>("time");
     QTest::addColumn<QString>("name");
-    QTest::newRow("no leading zeros")
-        << QDateTime({ 2004, 1, 5 }, { 7, 3, 9, 8 }) << u"./Data/Pictures/Folder002/2004157398.jpg"_s;
-    QTest::newRow("all digits")
-        << QDateTime({ 2024, 12, 31 }, { 23, 59, 58, 997 }) << u"./Data/Pictures/Folder002/20241231235958997.jpg"_s;
-    QTest::newRow("midnight") << QDateTime({ 2000, 10, 10 }, { 0, 0 }) << u"./Data/Pictures/Folder002/200010100000.jpg"_s;
+    QTest::newRow("no leading zeros") << QDateTime({ 2004, 1, 5 }, { 7, 3, 9, 8 })
+                                      << u"./Data/Pictures/Folder002/2004157398.jpg"_s;
+    QTest::newRow("all digits") << QDateTime({ 2024, 12, 31 }, { 23, 59, 58, 997 })
+                                << u"./Data/Pictures/Folder002/20241231235958997.jpg"_s;
+    QTest::newRow("midnight") << QDateTime({ 2000, 10, 10 }, { 0, 0 })
+                              << u"./Data/Pictures/Folder002/200010100000.jpg"_s;
 }
 
 void TestCopyFile::nameIsMadeOfBareNumbers()

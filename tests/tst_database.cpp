@@ -1,5 +1,5 @@
-#include "store/database.h"
 #include "store/catalogquery.h"
+#include "store/database.h"
 #include "store/statement.h"
 #include "tests/support/modalscript.h"
 #include "tests/support/testcatalogue.h"
@@ -94,7 +94,8 @@ void TestDatabase::failedConnectionShowsTheDriversText()
     });
     QVERIFY(!connectDatabase());
     QCOMPARE(script.problems(), QStringList());
-    QCOMPARE(text, QSqlDatabase::database(QLatin1StringView(QSqlDatabase::defaultConnection), false).lastError().text());
+    QCOMPARE(
+        text, QSqlDatabase::database(QLatin1StringView(QSqlDatabase::defaultConnection), false).lastError().text());
     QVERIFY(text.contains(u"unable to open"_s));
     QCOMPARE(icon, QMessageBox::Warning);
     QVERIFY(!hasParent);
@@ -139,7 +140,8 @@ void TestDatabase::newCatalogueHasExactlyTheseTables()
 void TestDatabase::newCatalogueHoldsFourSettingsRowsAndNothingElse()
 {
     openWithTables();
-    QCOMPARE(value(u"SELECT group_concat(id || category || '/' || name || '=' || value, ' ') FROM settings"_s).toString(),
+    QCOMPARE(
+        value(u"SELECT group_concat(id || category || '/' || name || '=' || value, ' ') FROM settings"_s).toString(),
         u"1COLOR-SETTING/BG_COLOR=0 2QUERY-Type/SingleOrMulti=0 3QUERY-Type/InclPictures=0 4QUERY-Type/Sort=0"_s);
     for (const QString &table : { u"locomotive"_s, u"loc_model"_s, u"loc_seen"_s, u"loc_picture"_s }) {
         QCOMPARE(value(u"SELECT COUNT(*) FROM "_s + table).toInt(), 0);

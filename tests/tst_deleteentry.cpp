@@ -35,6 +35,7 @@ private Q_SLOTS:
     void missingCopiesDoNotStopTheDeletion();
     void rowsCannotMakeItRemoveTheUsersFiles();
     void lockedCatalogueLosesNothing();
+    void readOnlyCatalogueLosesNothing();
     void failedDeletionOfPicturesKeepsTheEntry();
     void failedDeletionOfTheEntryKeepsThePictureRows();
 
@@ -171,8 +172,8 @@ void TestDeleteEntry::questionShowsAHostileNumberAsItIs()
     QFETCH(const QString, number);
     QVERIFY(executeWrite(u"UPDATE loc_seen SET nummer = :number WHERE id = 1"_s, { { u":number"_s, number } }).done);
     ModalScript script;
-    script.box(u"Eintrag Entfernen"_s, u"Eintrag 1 mit der Lok-Nummer "_s + number
-            + u" und alle dazugehörenden Bilder löschen?"_s, u"Ja"_s);
+    script.box(u"Eintrag Entfernen"_s,
+        u"Eintrag 1 mit der Lok-Nummer "_s + number + u" und alle dazugehörenden Bilder löschen?"_s, u"Ja"_s);
     QVERIFY(remove());
     QCOMPARE(script.problems(), QStringList());
     QCOMPARE(m_nummer, number);
@@ -193,7 +194,8 @@ void TestDeleteEntry::missingCopiesDoNotStopTheDeletion()
 void TestDeleteEntry::rowsCannotMakeItRemoveTheUsersFiles()
 {
     QVERIFY(executeWrite(u"UPDATE loc_picture SET pictAuxPath = pictOrigPath WHERE id = 1"_s).done);
-    QVERIFY(executeWrite(u"UPDATE loc_picture SET pictAuxPath = './Data/Pictures/../bahnakte.dat' WHERE id = 2"_s).done);
+    QVERIFY(
+        executeWrite(u"UPDATE loc_picture SET pictAuxPath = './Data/Pictures/../bahnakte.dat' WHERE id = 2"_s).done);
     ModalScript script;
     script.box(u"Eintrag Entfernen"_s, question(u"11407"_s), u"Ja"_s);
     QVERIFY(remove());
@@ -232,9 +234,24 @@ void TestDeleteEntry::lockedCatalogueLosesNothing()
     expectNothingRemoved();
 }
 
+void TestDeleteEntry::readOnlyCatalogueLosesNothing()
+{
+    // A transaction can begin on a read-only file; the copies must not be gone when the first DELETE fails.
+    QSqlDatabase database = QSqlDatabase::database();
+    database.close();
+    database.setConnectOptions(u"QSQLITE_OPEN_READONLY"_s);
+    QVERIFY(database.open());
+    ModalScript script;
+    script.box(u"Eintrag Entfernen"_s, question(u"11407"_s), u"Ja"_s).anyBox(u"DB-Löschen"_s);
+    QVERIFY(!remove());
+    QCOMPARE(script.problems(), QStringList());
+    expectNothingRemoved();
+}
+
 void TestDeleteEntry::failedDeletionOfPicturesKeepsTheEntry()
 {
-    QVERIFY(executeWrite(u"CREATE TRIGGER t BEFORE DELETE ON loc_picture BEGIN SELECT RAISE(ABORT, 'no way'); END"_s).done);
+    QVERIFY(
+        executeWrite(u"CREATE TRIGGER t BEFORE DELETE ON loc_picture BEGIN SELECT RAISE(ABORT, 'no way'); END"_s).done);
     ModalScript script;
     script.box(u"Eintrag Entfernen"_s, question(u"11407"_s), u"Ja"_s).anyBox(u"DB-Löschen"_s);
     QVERIFY(!remove());
@@ -245,7 +262,8 @@ void TestDeleteEntry::failedDeletionOfPicturesKeepsTheEntry()
 
 void TestDeleteEntry::failedDeletionOfTheEntryKeepsThePictureRows()
 {
-    QVERIFY(executeWrite(u"CREATE TRIGGER t BEFORE DELETE ON loc_seen BEGIN SELECT RAISE(ABORT, 'no way'); END"_s).done);
+    QVERIFY(
+        executeWrite(u"CREATE TRIGGER t BEFORE DELETE ON loc_seen BEGIN SELECT RAISE(ABORT, 'no way'); END"_s).done);
     ModalScript script;
     script.box(u"Eintrag Entfernen"_s, question(u"11407"_s), u"Ja"_s).anyBox(u"DB-Löschen"_s);
     QVERIFY(!remove());

@@ -111,6 +111,10 @@ private Q_SLOTS:
     void cancelledPictureLeavesNeitherRowNorFile();
     void nameIsStoredAsTyped_data();
     void nameIsStoredAsTyped();
+    void assignedPictureWithoutAGroupIsDroppedOnClosing();
+    void savedGroupKeepsItsPictureOnClosing();
+    void removedAuxFolderIsMadeAgain();
+    void moveDialogIgnoresSlotsOfTheOtherDialog();
     void failedInsertIsTold();
     void returnSavesOnlyACompleteGroup();
 
@@ -444,6 +448,52 @@ void TestLocGroupForm::nameIsStoredAsTyped()
     assignPicture(form, u"Bild zuweisen"_s);
     press(form, u"Speichern"_s);
     QTEST(m_catalogue->value(u"SELECT name FROM locomotive"_s).toString(), "stored");
+}
+
+void TestLocGroupForm::assignedPictureWithoutAGroupIsDroppedOnClosing()
+{
+    LocGroupForm form;
+    form.show();
+    QTest::keyClicks(form.findChild<QLineEdit *>(u"nameEdit"_s), u"Krokodile"_s);
+    assignPicture(form, u"Bild zuweisen"_s);
+    assignPicture(form, u"Bild zuweisen"_s); // the second choice replaces the first
+    QCOMPARE(m_catalogue->value(u"SELECT COUNT(*) FROM loc_picture"_s).toInt(), 1);
+    QCOMPARE(QDir(u"./Data/Pictures/AuxFolder"_s).entryList(QDir::Files).size(), 1);
+    form.reject();
+    QCOMPARE(m_catalogue->value(u"SELECT COUNT(*) FROM loc_picture"_s).toInt(), 0);
+    QVERIFY(QDir(u"./Data/Pictures/AuxFolder"_s).entryList(QDir::Files).isEmpty());
+}
+
+void TestLocGroupForm::savedGroupKeepsItsPictureOnClosing()
+{
+    LocGroupForm form;
+    form.show();
+    QTest::keyClicks(form.findChild<QLineEdit *>(u"nameEdit"_s), u"Krokodile"_s);
+    assignPicture(form, u"Bild zuweisen"_s);
+    QTest::mouseClick(form.findChild<QPushButton *>(u"saveButton"_s), Qt::LeftButton);
+    form.reject();
+    QVERIFY(QFile::exists(m_catalogue->value(u"SELECT pictPath FROM locomotive"_s).toString()));
+}
+
+void TestLocGroupForm::removedAuxFolderIsMadeAgain()
+{
+    QVERIFY(QDir(u"./Data/Pictures/AuxFolder"_s).removeRecursively());
+    LocGroupForm form;
+    form.show();
+    QTest::keyClicks(form.findChild<QLineEdit *>(u"nameEdit"_s), u"Krokodile"_s);
+    assignPicture(form, u"Bild zuweisen"_s);
+    QTest::mouseClick(form.findChild<QPushButton *>(u"saveButton"_s), Qt::LeftButton);
+    QVERIFY(QFile::exists(m_catalogue->value(u"SELECT pictPath FROM locomotive"_s).toString()));
+}
+
+void TestLocGroupForm::moveDialogIgnoresSlotsOfTheOtherDialog()
+{
+    LocGroupForm form(1, u"Ce 6/8"_s, nullptr);
+    form.show();
+    for (const char *slot : { "checktextEdits", "showLocPicture", "newLocPicture", "changeLocPicture" }) {
+        QVERIFY(QMetaObject::invokeMethod(&form, slot));
+    }
+    QVERIFY(form.isVisible());
 }
 
 void TestLocGroupForm::failedInsertIsTold()

@@ -1,6 +1,7 @@
 #include "forms/locseenform.h"
 #include "search/clock.h"
 #include "store/colorsetting.h"
+#include "store/statement.h"
 #include "tests/support/modalscript.h"
 #include "tests/support/testcatalogue.h"
 #include "tests/support/testmain.h"
@@ -22,6 +23,8 @@
 #include <QSqlError>
 #include <QSqlQuery>
 #include <QTableView>
+#include <QWheelEvent>
+#include <QGuiApplication>
 #include <QTest>
 #include <QTextEdit>
 
@@ -196,6 +199,11 @@ private Q_SLOTS:
     void updateCutsAndJoinsTheTexts();
     void failedUpdateIsToldAndTheFormStays();
     void failedUpdateOnClosingIsTold();
+    void editOfAnEntryDeletedMeanwhileIsTold();
+    void dateThatTheFieldCannotShowIsKept_data();
+    void dateThatTheFieldCannotShowIsKept();
+    void wheelOverAnUnfocusedDateChangesNothing();
+    void pastedLineFeedDoesNotReachTheNumber();
     void vanishedEntryCannotBeEdited();
 
     void sixPicturesAreTheLimit();
@@ -816,10 +824,85 @@ void TestLocseenForm::failedUpdateOnClosingIsTold()
     replaceText(place(form), u"Thun"_s);
     ModalScript script;
     script.then(driverBox(u"DB-Update"_s));
+    script.then(driverBox(u"DB-Update"_s));
     press(form, u"closeButton"_s);
+    QVERIFY(form.isVisible()); // the edits are not lost yet
+    QCOMPARE(place(form)->text(), u"Thun"_s);
+    press(form, u"closeButton"_s);
+    QVERIFY(!form.isVisible()); // but nobody is locked in
     QCOMPARE(script.problems(), QStringList());
-    QVERIFY(!form.isVisible());
     QCOMPARE(column(u"ort"_s), u"Bern"_s);
+}
+
+void TestLocseenForm::editOfAnEntryDeletedMeanwhileIsTold()
+{
+    const int entry = m_catalogue->addEntry(u"11109"_s, m_model);
+    LocseenForm form(entry, 0);
+    show(form);
+    replaceText(place(form), u"Thun"_s);
+    QVERIFY(executeWrite(u"DELETE FROM loc_seen"_s).done);
+    ModalScript script;
+    script.box(u"DB-Update"_s, u"Der Eintrag ist nicht mehr vorhanden, er wurde inzwischen gelöscht."_s);
+    press(form, u"saveButton"_s);
+    QCOMPARE(script.problems(), QStringList());
+}
+
+void TestLocseenForm::dateThatTheFieldCannotShowIsKept_data()
+{
+    QTest::addColumn<QString>("stored");
+    QTest::newRow("none") << u"NULL"_s;
+    QTest::newRow("a year only") << u"'1998'"_s;
+    QTest::newRow("before the calendar of the field") << u"'0044-03-15'"_s;
+}
+
+void TestLocseenForm::dateThatTheFieldCannotShowIsKept()
+{
+    QFETCH(QString, stored);
+    const int entry = m_catalogue->addEntry(u"11109"_s, m_model);
+    QVERIFY(executeWrite(u"UPDATE loc_seen SET locseendate = "_s + stored).done);
+    {
+        LocseenForm form(entry, 0);
+        show(form);
+        replaceText(place(form), u"Thun"_s);
+        press(form, u"closeButton"_s);
+    }
+    QCOMPARE(column(u"ort"_s), u"Thun"_s);
+    QCOMPARE(m_catalogue->value(u"SELECT COUNT(*) FROM loc_seen WHERE locseendate IS "_s + stored).toInt(), 1);
+    LocseenForm form(entry, 0);
+    show(form);
+    form.findChild<QDateEdit *>(u"seenDateEdit"_s)->setDate(QDate(1998, 7, 4));
+    press(form, u"closeButton"_s);
+    QCOMPARE(column(u"locseendate"_s), u"1998-07-04"_s);
+}
+
+void TestLocseenForm::wheelOverAnUnfocusedDateChangesNothing()
+{
+    const int entry = m_catalogue->addEntry(u"11109"_s, m_model);
+    LocseenForm form(entry, 0);
+    show(form);
+    auto *date = form.findChild<QDateEdit *>(u"seenDateEdit"_s);
+    const QDate before = date->date();
+    const auto turnWheel = [date] {
+        QWheelEvent event(QPointF(5, 5), date->mapToGlobal(QPointF(5, 5)), {}, QPoint(0, 120), Qt::NoButton,
+            Qt::NoModifier, Qt::NoScrollPhase, false);
+        QApplication::sendEvent(date, &event);
+    };
+    place(form)->setFocus();
+    turnWheel();
+    QCOMPARE(date->date(), before);
+    date->setFocus();
+    turnWheel();
+    QVERIFY(date->date() != before); // with the focus it works as ever
+}
+
+void TestLocseenForm::pastedLineFeedDoesNotReachTheNumber()
+{
+    LocseenForm form(-1, m_model);
+    show(form);
+    QGuiApplication::clipboard()->setText(u"11109\t2\n"_s);
+    number(form)->setFocus();
+    QTest::keySequence(number(form), QKeySequence::Paste);
+    QCOMPARE(number(form)->text(), u"11109 2"_s);
 }
 
 void TestLocseenForm::vanishedEntryCannotBeEdited()

@@ -26,8 +26,7 @@ public:
         : m_folder(folder)
         , m_store(QDir(folder).filePath(u"Data/Pictures"_s))
         , m_database(database)
-    {
-    }
+    { }
 
     [[nodiscard]] QStringList findings();
 

@@ -44,6 +44,22 @@ QImage testImage(const QSize &size)
     return image;
 }
 
+QImage detailedImage(const QSize &size)
+{
+    QImage image(size, QImage::Format_RGB32);
+    QPainter painter(&image);
+    QLinearGradient sky(0, 0, size.width(), size.height());
+    sky.setColorAt(0, QColor(110, 160, 220));
+    sky.setColorAt(1, QColor(200, 120, 60));
+    painter.fillRect(image.rect(), sky);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(QPen(Qt::black, size.width() / 600.0));
+    for (int x = 0; x < size.width(); x += size.width() / 50) {
+        painter.drawLine(x, 0, size.width() - x, size.height());
+    }
+    return image;
+}
+
 void writeTestJpeg(const QString &path, const QSize &size, int orientation)
 {
     QByteArray bytes;
