@@ -31,7 +31,7 @@ constexpr int GroupColumnWidth = 152; // pixels
 constexpr QSize FirstSize(1280, 850);
 constexpr int LargestWidth = 1300;
 constexpr int SmallestWidth = 600;
-constexpr QSize ToolIconSize(32, 32);
+constexpr QSize ToolIconSize(48, 32); // the shape of the colour button's icon; a tool bar has one size for all
 
 struct DisplayFont
 {
@@ -82,10 +82,12 @@ ApplWindow::ApplWindow()
     layout->addWidget(m_scrollArea);
     layout->addWidget(m_viewHolder->view());
     setCentralWidget(centre);
+    orderTabs();
     resize(FirstSize);
     setMaximumWidth(LargestWidth);
     setMinimumWidth(SmallestWidth);
     setWindowTitle(tr("Bahnito App"));
+    setContextMenuPolicy(Qt::NoContextMenu); // which could only hide the tool bars, with no way back
 }
 
 ApplWindow::~ApplWindow()
@@ -108,7 +110,17 @@ void ApplWindow::locGroup()
 void ApplWindow::aboutApplication()
 {
     MessageBox::about(this, tr("Info zu Bahnito App"),
-        tr("Version 1.1.<p><b>Einleitung</b><p>Die Anwendung soll dazu dienen, dass Fotos einer bereits vorliegenden Fotosammlung, anhand von Angaben wie Baureihe und Nummer zusammengeführt werden können. Dies wird damit erreicht, dass ein einzelnes sogenanntes Fotoereignis dokumentiert und mit den dazugehörenden Fotos erfasst wird. Somit wird gewährleistet, dass diese, auch 'Einträge' genannt, nach gewissen Suchkriterien dargestellt werden können. Dem Benutzer wird damit ermöglicht, dass er z.B. sämtliche Einträge einer Lokomotive mit einer bestimmten Nummer, die er im Laufe der Zeit mehrere Male abgelichtet hat, auf einen Blick zu sehen bekommt.</p><p><b>Aufbaustruktur</b><p>Damit eine optimale Übersicht erreicht werden kann, wird folgende Aufbaustruktur vorgegeben: Baureihe-Gruppen welche eine oder mehrere Baureihen beinhalten. Z.B. kann eine Gruppe mit 'Krokodile' benannt werden, darunter sind dann Baureihen wie 'Ce 6/8, Be 6/8 etc.' eingetragen. Unter einer 'Baureihe' werden dann die entsprechenden 'Einträge' erfasst. Ein 'Eintrag' hält Name, Nummer, Ort, Datum und einen bis 200 Zeichen langen Kommentar fest, sowie max. 6 Fotos.</p> "));
+        tr("Version 1.1.<p><b>Einleitung</b><p>Die Anwendung soll dazu dienen, dass Fotos einer bereits vorliegenden "
+           "Fotosammlung, anhand von Angaben wie Baureihe und Nummer zusammengeführt werden können. Dies wird damit "
+           "erreicht, dass ein einzelnes sogenanntes Fotoereignis dokumentiert und mit den dazugehörenden Fotos "
+           "erfasst wird. Somit wird gewährleistet, dass diese, auch 'Einträge' genannt, nach gewissen Suchkriterien "
+           "dargestellt werden können. Dem Benutzer wird damit ermöglicht, dass er z.B. sämtliche Einträge einer "
+           "Lokomotive mit einer bestimmten Nummer, die er im Laufe der Zeit mehrere Male abgelichtet hat, auf einen "
+           "Blick zu sehen bekommt.</p><p><b>Aufbaustruktur</b><p>Damit eine optimale Übersicht erreicht werden kann, "
+           "wird folgende Aufbaustruktur vorgegeben: Baureihe-Gruppen welche eine oder mehrere Baureihen beinhalten. "
+           "Z.B. kann eine Gruppe mit 'Krokodile' benannt werden, darunter sind dann Baureihen wie 'Ce 6/8, Be 6/8 "
+           "etc.' eingetragen. Unter einer 'Baureihe' werden dann die entsprechenden 'Einträge' erfasst. Ein 'Eintrag' "
+           "hält Name, Nummer, Ort, Datum und einen bis 200 Zeichen langen Kommentar fest, sowie max. 6 Fotos.</p> "));
 }
 
 void ApplWindow::itemColorChanged()
@@ -134,7 +146,8 @@ void ApplWindow::backgroundButtonTriggered()
     redrawCanvas();
 }
 
-void ApplWindow::updateActions() { }
+void ApplWindow::updateActions()
+{ }
 
 void ApplWindow::buildActions()
 {
@@ -162,6 +175,9 @@ void ApplWindow::buildColorButton()
             menu->setDefaultAction(entry);
         }
     }
+    QPalette palette = menu->palette();
+    palette.setColor(QPalette::Base, palette.color(QPalette::Base).darker(125)); // else the white patch is not seen
+    menu->setPalette(palette);
     m_colorButton->setMenu(menu);
     m_colorAction = menu->defaultAction();
     m_colorButton->setIcon(colorButtonIcon(ColorSetting::instance().scheme().background()));
@@ -182,6 +198,29 @@ void ApplWindow::buildToolBars()
         m_toolBar->addAction(action);
         m_toolBar->addSeparator();
     }
+}
+
+/// Tool bar, groups, canvas. Tool bars keep the keyboard out of their buttons, but only the exit has a shortcut.
+void ApplWindow::orderTabs()
+{
+    QList<QWidget *> order;
+    const QList<QToolBar *> bars = findChildren<QToolBar *>();
+    for (const QToolBar *bar : bars) {
+        const QList<QAction *> actions = bar->actions();
+        for (QAction *action : actions) {
+            if (!action->isSeparator()) {
+                order.append(bar->widgetForAction(action));
+            }
+        }
+    }
+    for (QWidget *button : std::as_const(order)) {
+        button->setFocusPolicy(Qt::TabFocus);
+    }
+    order.append(m_viewHolder->view());
+    for (qsizetype i = 1; i < order.size(); ++i) {
+        setTabOrder(order.at(i - 1), order.at(i));
+    }
+    m_scrollList->setTabOrderAfter(order.at(order.size() - 2));
 }
 
 void ApplWindow::buildCanvas()
@@ -210,13 +249,13 @@ void ApplWindow::buildGroupColumn()
     area->setHorizontalScrollBarPolicy(Qt::ScrollBarAsNeeded);
     area->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
     area->setFixedWidth(GroupColumnWidth);
+    area->setFocusPolicy(Qt::NoFocus); // the keyboard goes to the buttons in it
     m_scrollArea = area;
 }
 
 void ApplWindow::drawRandomPicture()
 {
-    m_randomPicture
-        = randomPictureNumber(Clock::now().time(), CatalogQuery::instance().countStoredPictures());
+    m_randomPicture = randomPictureNumber(Clock::now().time(), CatalogQuery::instance().countStoredPictures());
 }
 
 void ApplWindow::showStartPicture()

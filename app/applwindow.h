@@ -35,6 +35,7 @@ private:
     void buildCanvas();
     void registerFonts();
     void buildGroupColumn();
+    void orderTabs();
     void drawRandomPicture();
     void showStartPicture();
     void redrawCanvas();

@@ -22,8 +22,8 @@ QList<NamedColor> menuColors()
     };
     QList<NamedColor> colors;
     for (std::size_t i = 0; i < names.size(); ++i) {
-        colors.append({ QCoreApplication::translate("ApplWindow", names.at(i)),
-            ColorScheme::palette().at(qsizetype(i)) });
+        colors.append(
+            { QCoreApplication::translate("ApplWindow", names.at(i)), ColorScheme::palette().at(qsizetype(i)) });
     }
     return colors;
 }

@@ -1,10 +1,14 @@
 #include "app/pictureitem.h"
 
 #include "browser/canvastexts.h"
+#include "browser/focusframe.h"
 #include "browser/viewholder.h"
+#include "store/catalogquery.h"
 #include "store/pictureloader.h"
 
 #include <QIcon>
+#include <QKeyEvent>
+#include <QPainter>
 #include <QPixmap>
 
 #include <cmath>
@@ -32,10 +36,45 @@ PictureItem::PictureItem(
     setFixedSize(IconLength + 8, IconLength + 8);
     setAutoRaise(true);
     const QString shownName = CanvasTexts::shown(name);
-    setToolTip(u"<p>%1</p>"_s.arg(shownName.toHtmlEscaped())); // as rich text only so that it is plainly escaped
+    m_nameTip = u"<p>%1</p>"_s.arg(shownName.toHtmlEscaped()); // as rich text only so that it is plainly escaped
+    setToolTip(m_nameTip);
     setAccessibleName(shownName);
     showPicture(shownName);
     connect(this, &QToolButton::clicked, this, [this] { m_holder.searchGroup(m_groupId); });
+}
+
+/// Classes come and go without the column being built anew, so the tool tip looks when it is about to be shown.
+bool PictureItem::event(QEvent *event)
+{
+    if (event->type() == QEvent::ToolTip) {
+        const bool isEmpty = CatalogQuery::instance().countModels(m_groupId) == 0;
+        setToolTip(isEmpty ? m_nameTip
+                    + tr("<p>Noch keine Baureihe: Legen Sie mit „Baureihe-Gruppen bearbeiten“ die erste "
+                         "an.</p>")
+                           : m_nameTip);
+    }
+    return QToolButton::event(event);
+}
+
+/// A tool button knows only the blank; Return starts the search too, as it does on the canvas.
+void PictureItem::keyPressEvent(QKeyEvent *event)
+{
+    if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) {
+        click();
+        return;
+    }
+    QToolButton::keyPressEvent(event);
+}
+
+/// The style's mark of the keyboard focus is lost on a picture; the canvas's is not.
+void PictureItem::paintEvent(QPaintEvent *event)
+{
+    QToolButton::paintEvent(event);
+    if (hasFocus()) {
+        QPainter painter(this);
+        const double margin = FocusFrame::Margin;
+        FocusFrame::paint(&painter, QRectF(rect()).adjusted(margin, margin, -margin, -margin));
+    }
 }
 
 void PictureItem::showPicture(const QString &name)

@@ -22,10 +22,16 @@ public:
     [[nodiscard]] int groupId() const { return m_groupId; }
     [[nodiscard]] QString picturePath() const { return m_picturePath; }
 
+protected:
+    bool event(QEvent *event) override;
+    void keyPressEvent(QKeyEvent *event) override;
+    void paintEvent(QPaintEvent *event) override;
+
 private:
     void showPicture(const QString &name);
 
     int m_groupId;
     QString m_picturePath;
+    QString m_nameTip; // the group's name as tool tip
     ViewHolder &m_holder; // outlives the button
 };

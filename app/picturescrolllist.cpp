@@ -9,6 +9,13 @@
 
 using namespace Qt::StringLiterals;
 
+namespace {
+
+constexpr int HintWidth = 128; // pixels, inside the column's own width
+constexpr int HintMargin = 6;
+
+} // namespace
+
 PictureScrollList::PictureScrollList(ViewHolder &holder, QWidget *parent)
     : QWidget(parent)
     , m_holder(holder)
@@ -36,8 +43,36 @@ void PictureScrollList::rebuild()
         button->show();
     }
     if (groups.isEmpty()) {
-        setToolTip(tr("Noch keine Gruppen: Legen Sie mit „Baureihe-Gruppen bearbeiten“ die erste an."));
-    } else {
-        setToolTip({});
+        showFirstStep(*grid);
     }
+    if (m_previous) {
+        setTabOrderAfter(m_previous); // new widgets come last of all
+    }
+}
+
+void PictureScrollList::setTabOrderAfter(QWidget *previous)
+{
+    m_previous = previous;
+    const QList<PictureItem *> buttons = findChildren<PictureItem *>(Qt::FindDirectChildrenOnly);
+    for (PictureItem *button : buttons) {
+        setTabOrder(previous, button);
+        previous = button;
+    }
+}
+
+/// An empty column would leave the user alone with an empty window.
+void PictureScrollList::showFirstStep(QGridLayout &grid)
+{
+    auto *hint = new QLabel(tr("Noch keine Gruppen.\n\nLegen Sie mit dem Knopf „Baureihe-Gruppen bearbeiten“ oben die "
+                               "erste an."),
+        this);
+    hint->setObjectName(u"firstStep"_s);
+    hint->setTextFormat(Qt::PlainText);
+    hint->setWordWrap(true);
+    hint->setFixedWidth(HintWidth);
+    hint->setMargin(HintMargin);
+    hint->setForegroundRole(QPalette::WindowText); // the one that goes with the column's ground is hard to read
+    hint->setToolTip(tr("Zuerst eine Gruppe anlegen, darin eine Baureihe, dann die Einträge mit ihren Bildern."));
+    grid.addWidget(hint, 0, 0, 1, 3);
+    hint->show();
 }

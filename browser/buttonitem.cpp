@@ -1,5 +1,6 @@
 #include "browser/buttonitem.h"
 
+#include "browser/devicepixel.h"
 #include "browser/focusframe.h"
 #include "store/pictureloader.h"
 
@@ -98,7 +99,7 @@ void ButtonItem::paint(QPainter *painter, const QStyleOptionGraphicsItem *option
     Q_UNUSED(option)
     Q_UNUSED(widget)
     painter->setRenderHint(QPainter::SmoothPixmapTransform);
-    painter->drawPixmap(QPointF(0, 0), pixmap());
+    painter->drawPixmap(onDevicePixel(*painter, {}), pixmap());
     if (hasFocus()) {
         FocusFrame::paint(painter, QRectF({ 0, 0 }, buttonBox(m_kind)));
     }

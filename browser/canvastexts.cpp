@@ -87,7 +87,12 @@ QString CanvasTexts::picturesShown(int first, int pictures)
     }
     const int last = qMin(first + 2, pictures);
     if (last == first + 1) {
-        return tr("Bild %1 von %2").arg(last).arg(pictures);
+        return pictureName(first, pictures);
     }
     return tr("Bilder %1 und %2 von %3").arg(first + 1).arg(last).arg(pictures);
+}
+
+QString CanvasTexts::pictureName(int index, int pictures)
+{
+    return tr("Bild %1 von %2").arg(index + 1).arg(pictures);
 }

@@ -30,4 +30,7 @@ namespace CanvasTexts {
 /// Which of the pictures are shown, from index `first` on, where they do not all fit side by side.
 [[nodiscard]] QString picturesShown(int first, int pictures);
 
+/// "Bild 2 von 5": the picture at `index`, counted from 0, for screen readers.
+[[nodiscard]] QString pictureName(int index, int pictures);
+
 } // namespace CanvasTexts

@@ -1,7 +1,9 @@
 #include "browser/canvasview.h"
 
+#include "browser/canvasaccessible.h"
 #include "browser/picturescene.h"
 
+#include <QFocusEvent>
 #include <QGraphicsItem>
 #include <QKeyEvent>
 #include <QScrollBar>
@@ -17,14 +19,51 @@ constexpr int ScrollMargin = 40; // pixels kept visible around the focused item
 CanvasView::CanvasView(QWidget *parent)
     : QGraphicsView(parent)
 {
+    CanvasAccessible::install(); // first of all, because setting a name already asks for the view's description
     setAlignment(Qt::AlignLeft | Qt::AlignTop);
     setFocusPolicy(Qt::StrongFocus);
     setFrameShape(QFrame::NoFrame);
+    setObjectName(QStringLiteral("canvasView"));
+    setAccessibleName(tr("Einträge"));
 }
 
 PictureScene *CanvasView::canvas() const
 {
     return qobject_cast<PictureScene *>(scene());
+}
+
+void CanvasView::showCanvas(PictureScene *canvas)
+{
+    if (canvas == scene()) {
+        return;
+    }
+    if (const PictureScene *former = this->canvas()) {
+        // One by one, for the view itself has more connections with its scene.
+        disconnect(former, &PictureScene::itemsDeleted, this, nullptr);
+        disconnect(former, &PictureScene::contentsChanged, this, nullptr);
+        disconnect(former, &PictureScene::focusItemChanged, this, nullptr);
+    }
+    setScene(canvas);
+    connect(canvas, &PictureScene::itemsDeleted, this, &CanvasView::itemsChanged);
+    connect(canvas, &PictureScene::contentsChanged, this, &CanvasView::itemsChanged);
+    connect(canvas, &PictureScene::focusItemChanged, this, [this](QGraphicsItem *item) {
+        if (item) {
+            CanvasAccessible::tellFocus(this, item);
+        }
+    });
+    if (hasFocus()) {
+        canvas->setFocus();
+    }
+    Q_EMIT itemsChanged();
+}
+
+void CanvasView::focusInEvent(QFocusEvent *event)
+{
+    QGraphicsView::focusInEvent(event);
+    const bool isForward = event->reason() == Qt::TabFocusReason;
+    if (canvas() && !canvas()->focusItem() && (isForward || event->reason() == Qt::BacktabFocusReason)) {
+        moveFocus(isForward ? 1 : -1); // else one more key press would be needed to see where the keyboard is
+    }
 }
 
 void CanvasView::keyPressEvent(QKeyEvent *event)

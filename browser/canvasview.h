@@ -15,7 +15,14 @@ public:
 
     [[nodiscard]] PictureScene *canvas() const;
 
+    /// Shows another canvas; the keyboard goes on there where it was when that canvas was last shown.
+    void showCanvas(PictureScene *canvas);
+
+Q_SIGNALS:
+    void itemsChanged(); // the canvas shows other items, or is another one
+
 protected:
+    void focusInEvent(QFocusEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
     bool focusNextPrevChild(bool next) override;
 

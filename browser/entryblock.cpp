@@ -22,6 +22,7 @@ constexpr QSize PictureBox(332, 226);
 constexpr int ArrowRight = PicturesLeft + 2 * 332 + PictureGap + 8;
 constexpr int WideTextWidth = EntryBlock::Width - PicturesLeft - Padding;
 constexpr int ButtonGap = 10;
+constexpr int TextGap = 6; // above texts of another kind
 constexpr double CornerRadius = 8;
 constexpr int PairSize = 2;
 
@@ -31,8 +32,7 @@ EntryBlock::EntryBlock(const EntryCard &card, int number)
     : m_card(card)
     , m_colors(ColorSetting::instance().scheme())
     , m_number(number)
-{
-}
+{ }
 
 void EntryBlock::layOut()
 {
@@ -42,7 +42,6 @@ void EntryBlock::layOut()
     prepareGeometryChange();
     m_height = std::ceil(std::max(contents, pictures)) + Padding;
     if (hasPictures()) {
-        m_picturesTop = std::floor((m_height - PictureBox.height()) / 2);
         addPair();
     }
 }
@@ -103,16 +102,25 @@ double EntryBlock::addTexts()
     addLine(CanvasTexts::date(m_card.seen), 3, text);
     const QString comment = CanvasTexts::shown(m_card.comment);
     if (!hasPictures()) {
-        const TextItem *item = addText(comment, 4, text, Padding, PicturesLeft, WideTextWidth);
-        return std::max(y, Padding + item->height());
+        return std::max(y, addWideTexts(comment));
     }
     if (!comment.isEmpty()) {
-        y += 6;
+        y += TextGap;
         addLine(comment, 4, text);
     }
-    y += 6;
+    y += TextGap;
     m_pictureText = addText(CanvasTexts::picturesShown(0, int(m_card.pictures.size())), 5, text, y, Padding, TextWidth);
     return y + m_pictureText->height();
+}
+
+/// The texts that stand where other cards have their pictures; returns their lower edge.
+double EntryBlock::addWideTexts(const QString &comment)
+{
+    double y = Padding;
+    if (!comment.isEmpty()) {
+        y += addText(comment, 4, m_colors.text, y, PicturesLeft, WideTextWidth)->height() + TextGap;
+    }
+    return y + addText(CanvasTexts::pictureCount(0), 5, m_colors.text, y, PicturesLeft, WideTextWidth)->height();
 }
 
 /// Places the buttons at the foot of the card; returns their lower edge.
@@ -145,12 +153,11 @@ void EntryBlock::addPair()
     if (m_firstPicture > 0) {
         addArrow(ButtonKind::Left, ArrowLeft);
     }
-    const bool isSingle = pictures == 1;
     for (int i = m_firstPicture; i < std::min(m_firstPicture + PairSize, pictures); ++i) {
-        const int column = PictureBox.width() + PictureGap;
-        const int x = PicturesLeft + (isSingle ? column / 2 : (i - m_firstPicture) * column);
+        const int x = PicturesLeft + (i - m_firstPicture) * (PictureBox.width() + PictureGap);
         auto *picture = new Picture(m_card.pictures.at(i), PictureBox, this);
-        picture->setPos(x, m_picturesTop);
+        picture->setPos(x, Padding);
+        picture->setName(CanvasTexts::pictureName(i, pictures));
         m_pairItems.append(picture);
     }
     if (m_firstPicture + PairSize < pictures) {
@@ -162,12 +169,11 @@ void EntryBlock::addPair()
 void EntryBlock::addArrow(ButtonKind kind, int x)
 {
     auto *arrow = new ButtonItem(kind, m_card.id, key(), this);
-    arrow->setPos(x, m_picturesTop + (PictureBox.height() - buttonBox(kind).height()) / 2.0);
+    arrow->setPos(x, Padding + (PictureBox.height() - buttonBox(kind).height()) / 2.0);
     m_pairItems.append(arrow);
 }
 
-TextItem *EntryBlock::addText(
-    const QString &text, int font, const QColor &color, double top, double left, double width)
+TextItem *EntryBlock::addText(const QString &text, int font, const QColor &color, double top, double left, double width)
 {
     auto *item = new TextItem(text, ColorSetting::instance().fontAt(font), color, width, this);
     item->setPos(left, std::floor(top));

@@ -46,6 +46,7 @@ public:
 
 private:
     double addTexts();
+    double addWideTexts(const QString &comment);
     double addButtons(double top);
     void addPair();
     void addArrow(ButtonKind kind, int x);
@@ -57,7 +58,6 @@ private:
     int m_firstPicture = 0; // index of the first picture of the shown pair
     int m_entryCount = -1; // not shown while negative
     double m_height = 0;
-    double m_picturesTop = 0;
     TextItem *m_pictureText = nullptr; // a child like all that follow
     QList<QGraphicsItem *> m_buttons;
     QList<QGraphicsItem *> m_pairItems; // of the shown pair, in reading order

@@ -2,6 +2,12 @@
 
 #include <QCoreApplication>
 
+namespace {
+
+constexpr int SmallestWidth = 360; // pixels
+
+} // namespace
+
 LoadProgress::LoadProgress(const QString &label, int rows, QWidget *parent, int showAfter)
     : m_dialog(label, QCoreApplication::translate("PictureScene", "abbrechen"), 0, rows, parent)
     , m_showAfter(showAfter)
@@ -9,6 +15,7 @@ LoadProgress::LoadProgress(const QString &label, int rows, QWidget *parent, int 
     m_dialog.setWindowModality(Qt::WindowModal);
     m_dialog.setMinimumDuration(showAfter);
     m_dialog.setWindowTitle(QCoreApplication::translate("PictureScene", "Einträge laden"));
+    m_dialog.setMinimumWidth(SmallestWidth);
     m_dialog.setValue(0);
     m_running.start();
 }

@@ -4,8 +4,7 @@ Pager::Pager(int position, int rows, bool once)
     : m_position(position)
     , m_rows(rows)
     , m_once(once)
-{
-}
+{ }
 
 bool Pager::takes(int index)
 {

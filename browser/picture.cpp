@@ -1,6 +1,8 @@
 #include "browser/picture.h"
 
+#include "browser/devicepixel.h"
 #include "browser/focusframe.h"
+#include "store/colorsetting.h"
 #include "store/pictureloader.h"
 
 #include <QCoreApplication>
@@ -13,6 +15,7 @@ namespace {
 constexpr int Mat = 5; // white edge around the photograph, in pixels
 constexpr QSize PlaceholderSize(300, 200);
 constexpr QSize SmallestFrame(40, 40); // a photograph of a few pixels can still be seen and clicked
+constexpr QColor NoticeColor(86, 72, 52);
 const QString PlaceholderImage = u":/images/placeholder.png"_s;
 
 } // namespace
@@ -28,12 +31,16 @@ Picture::Picture(const PicturePaths &paths, const QSize &box, QGraphicsItem *par
     const QSize shown = fittedInto(m_isPlaceholder ? PlaceholderSize : size, room);
     const QSize frame = (shown + QSize(2 * Mat, 2 * Mat)).expandedTo(SmallestFrame);
     m_frame = QRectF(QPointF((box.width() - frame.width()) / 2, (box.height() - frame.height()) / 2), frame);
-    m_area = QRectF(m_frame.topLeft()
-            + QPointF((frame.width() - shown.width()) / 2, (frame.height() - shown.height()) / 2),
-        shown);
+    m_area = QRectF(
+        m_frame.topLeft() + QPointF((frame.width() - shown.width()) / 2, (frame.height() - shown.height()) / 2), shown);
     setToolTip(m_isPlaceholder
             ? QCoreApplication::translate("Picture", "Die Kopie dieses Bildes fehlt oder ist nicht lesbar.")
             : QCoreApplication::translate("Picture", "Doppelklick öffnet das Original."));
+}
+
+QString Picture::name() const
+{
+    return m_isPlaceholder ? QCoreApplication::translate("Picture", "%1 (fehlt)").arg(m_name) : m_name;
 }
 
 QRectF Picture::boundingRect() const
@@ -53,7 +60,10 @@ void Picture::paint(QPainter *painter, const QStyleOptionGraphicsItem *option, Q
     painter->setBrush(Qt::white);
     painter->drawRect(m_frame.adjusted(0.5, 0.5, -0.5, -0.5));
     painter->setRenderHint(QPainter::SmoothPixmapTransform);
-    painter->drawPixmap(m_area, m_pixmap, QRectF(m_pixmap.rect()));
+    painter->drawPixmap(onDevicePixel(*painter, m_area.topLeft()), m_pixmap);
+    if (m_isPlaceholder) {
+        paintNotice(painter);
+    }
     if (hasFocus()) {
         FocusFrame::paint(painter, m_frame);
     }
@@ -61,7 +71,7 @@ void Picture::paint(QPainter *painter, const QStyleOptionGraphicsItem *option, Q
 
 void Picture::decode(double scale)
 {
-    const QSize wanted = (m_area.size() * scale).toSize();
+    const SizeChoice wanted = [this, scale](const QSize &) { return (m_area.size() * scale).toSize(); };
     QImage image = m_isPlaceholder ? QImage() : loadPicture(m_paths.copy, wanted);
     if (image.isNull()) {
         m_isPlaceholder = true; // the header was fine, the rest is not
@@ -69,4 +79,13 @@ void Picture::decode(double scale)
     }
     m_pixmap = QPixmap::fromImage(image);
     m_pixmap.setDevicePixelRatio(scale);
+}
+
+/// Below the drawing, so that a missing photograph is not taken for a painted one.
+void Picture::paintNotice(QPainter *painter) const
+{
+    const QRectF foot = m_area.adjusted(0, m_area.height() * 0.74, 0, -m_area.height() * 0.1);
+    painter->setFont(ColorSetting::instance().fontAt(5));
+    painter->setPen(NoticeColor);
+    painter->drawText(foot, Qt::AlignCenter, QCoreApplication::translate("Picture", "Bild nicht lesbar"));
 }

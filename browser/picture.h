@@ -24,6 +24,10 @@ public:
     [[nodiscard]] int type() const override { return Type; }
     [[nodiscard]] QString sourcePath() const { return m_paths.source; }
 
+    /// What the photograph is called by screen readers.
+    void setName(const QString &name) { m_name = name; }
+    [[nodiscard]] QString name() const;
+
     /// Whether a placeholder stands for the photograph, because its copy is missing or cannot be read.
     [[nodiscard]] bool isPlaceholder() const { return m_isPlaceholder; }
 
@@ -35,8 +39,10 @@ public:
 
 private:
     void decode(double scale);
+    void paintNotice(QPainter *painter) const;
 
     PicturePaths m_paths;
+    QString m_name;
     bool m_isPlaceholder;
     QRectF m_frame;
     QRectF m_area; // of the photograph inside the frame

@@ -3,19 +3,17 @@
 #include "browser/buttonitem.h"
 #include "browser/canvastexts.h"
 #include "browser/entryblock.h"
+#include "browser/focusplace.h"
 #include "browser/loadprogress.h"
 #include "browser/pager.h"
-#include "browser/pictureopener.h"
 #include "browser/resultrows.h"
 #include "browser/startview.h"
 #include "browser/textitem.h"
-#include "forms/locseenform.h"
 #include "search/entrysearch.h"
 #include "store/catalogquery.h"
 #include "store/colorsetting.h"
 #include "store/rowvalue.h"
 
-#include <QGraphicsSceneMouseEvent>
 #include <QGraphicsView>
 
 #include <algorithm>
@@ -30,10 +28,9 @@ constexpr int CanvasWidth = 1080;
 constexpr int CaptionLeft = 350;
 constexpr int CaptionTop = 20;
 constexpr int FirstBlockTop = 80;
+constexpr int CaptionGap = 4; // kept free above the first block
 constexpr int BlockGap = 30;
 constexpr int MoreLeft = 950;
-
-constexpr int PicturesPerStep = 2;
 
 } // namespace
 
@@ -67,8 +64,10 @@ void PictureScene::loadPage(bool continues)
 
 void PictureScene::restartSearch()
 {
+    const std::optional<FocusPlace> place = focusPlace(focusItem(), m_blocks);
     m_position = 1;
     loadPage(false);
+    restoreFocus(place);
 }
 
 void PictureScene::showNumber(int modelId, const QString &number)
@@ -81,13 +80,28 @@ void PictureScene::showNumber(int modelId, const QString &number)
 
 void PictureScene::redraw()
 {
+    const std::optional<FocusPlace> place = focusPlace(focusItem(), m_blocks);
     if (m_listing) {
         drawListing();
-        return;
+    } else {
+        m_position = m_pageStart;
+        m_numbersShown = m_numbersOfEarlierPages; // else numbers of the first page would come up again on the second
+        drawPage();
     }
-    m_position = m_pageStart;
-    m_numbersShown = m_numbersOfEarlierPages; // else numbers of the first page would come up again on the second
-    drawPage();
+    restoreFocus(place);
+}
+
+void PictureScene::redrawAfterChangeElsewhere()
+{
+    const SearchParameters parameters = m_parameters.value_or(SearchParameters());
+    QList<QSqlRecord> list;
+    entriesOfModel(list, parameters.orderClause, parameters.modelId);
+    for (qsizetype i = 0; i < list.size(); ++i) {
+        if (rowId(list.at(i), u"id"_s) == m_firstEntryId) {
+            m_pageStart = int(i) + 1;
+        }
+    }
+    redraw();
 }
 
 void PictureScene::showStartView(const QSqlRecord &picture, const QSqlRecord &entry)
@@ -111,8 +125,10 @@ void PictureScene::clearCanvas()
 {
     m_blocks.clear();
     m_otherFocusItems.clear();
+    m_pressed = nullptr;
     m_y = 0;
     ColorSetting::clearItemsOf(this);
+    Q_EMIT itemsDeleted();
 }
 
 void PictureScene::paintBackground()
@@ -128,33 +144,6 @@ QList<QGraphicsItem *> PictureScene::focusItems() const
     }
     const bool isListing = m_listing.has_value(); // its back button stands above the blocks, the more button below
     return isListing ? m_otherFocusItems + items : items + m_otherFocusItems;
-}
-
-void PictureScene::activate(QGraphicsItem *item)
-{
-    if (const auto *button = qgraphicsitem_cast<ButtonItem *>(item)) {
-        press(*button);
-    } else if (const auto *picture = qgraphicsitem_cast<Picture *>(item)) {
-        openSourcePicture(picture->sourcePath(), window());
-    }
-}
-
-void PictureScene::mousePressEvent(QGraphicsSceneMouseEvent *event)
-{
-    QGraphicsItem *item = itemAt(event->scenePos(), {});
-    if (event->button() == Qt::LeftButton && qgraphicsitem_cast<ButtonItem *>(item)) {
-        activate(item);
-    }
-    event->accept();
-}
-
-void PictureScene::mouseDoubleClickEvent(QGraphicsSceneMouseEvent *event)
-{
-    QGraphicsItem *item = itemAt(event->scenePos(), {});
-    if (event->button() == Qt::LeftButton && qgraphicsitem_cast<Picture *>(item)) {
-        activate(item);
-    }
-    event->accept();
 }
 
 void PictureScene::drawPage()
@@ -180,6 +169,7 @@ void PictureScene::drawRows(ResultRows &rows, const SearchParameters &parameters
 {
     const int n = rows.size();
     m_pageStart = m_position;
+    m_firstEntryId = m_position >= 1 && m_position <= n ? rowId(rows.row(m_position - 1), u"id"_s) : 0;
     m_y = FirstBlockTop;
     Pager pager(m_position, n, parameters.once);
     LoadProgress progress(CanvasTexts::progressLabel(n, m_position, parameters.once), n, window());
@@ -263,6 +253,7 @@ void PictureScene::drawCaption(const QString &text)
     const double width = EntryBlock::Left + EntryBlock::Width - CaptionLeft;
     auto *caption = new TextItem(text, setting.fontAt(0), setting.scheme().textColor(), width);
     caption->setPos(CaptionLeft, CaptionTop);
+    caption->fitInto(FirstBlockTop - CaptionTop - CaptionGap);
     addToCanvas(caption);
 }
 
@@ -290,95 +281,4 @@ void PictureScene::finishPage()
     }
     update();
     Q_EMIT contentsChanged();
-}
-
-void PictureScene::press(const ButtonItem &button)
-{
-    const int entryId = button.entryId();
-    const QString key = button.key();
-    const QPointF position = button.scenePos();
-    switch (button.kind()) {
-    case ButtonKind::Delete:
-        return afterwards([=, this] { deleteEntry(entryId, position); });
-    case ButtonKind::Left:
-        return afterwards([=, this] { turnPictures(entryId, key, -PicturesPerStep); });
-    case ButtonKind::Right:
-        return afterwards([=, this] { turnPictures(entryId, key, PicturesPerStep); });
-    case ButtonKind::Count:
-        return afterwards([=, this] { Q_EMIT numberListingRequested(entryId); });
-    case ButtonKind::Back:
-        return afterwards([this] { Q_EMIT backRequested(); });
-    case ButtonKind::More:
-        if (!m_listing) {
-            afterwards([this] { loadPage(true); });
-        }
-        return;
-    case ButtonKind::Edit:
-    case ButtonKind::Photo:
-        break;
-    }
-    afterwards([=, this] { editEntry(entryId, position); });
-}
-
-/// Carries out a press when its event is over, because the redraw deletes the pressed button itself.
-void PictureScene::afterwards(std::function<void()> action)
-{
-    if (std::exchange(m_busy, true)) {
-        return; // one press at a time
-    }
-    QMetaObject::invokeMethod(
-        this,
-        [this, action = std::move(action)] {
-            action();
-            m_busy = false;
-        },
-        Qt::QueuedConnection);
-}
-
-void PictureScene::editEntry(int entryId, const QPointF &position)
-{
-    LocseenForm form(entryId, CatalogQuery::instance().modelIdOfEntry(entryId), window());
-    form.exec();
-    if (form.hasChanged()) {
-        redrawAt(position);
-    }
-}
-
-void PictureScene::deleteEntry(int entryId, const QPointF &position)
-{
-    QString number;
-    int modelId = 0;
-    if (CatalogQuery::instance().deleteEntry(entryId, number, modelId)) {
-        redrawAt(position);
-    }
-}
-
-void PictureScene::turnPictures(int entryId, const QString &key, int step)
-{
-    const int block = key.section(u'-', 0, 0).toInt();
-    const int first = key.section(u'-', 1, 1).toInt() + step;
-    if (first < 0) {
-        return;
-    }
-    const QString turned = u"%1-%2"_s.arg(QString::number(block), QString::number(first));
-    for (EntryBlock *entryBlock : std::as_const(m_blocks)) {
-        if (entryBlock->card().id == entryId) {
-            entryBlock->turnTo(turned);
-        }
-    }
-    update();
-    Q_EMIT contentsChanged();
-}
-
-void PictureScene::redrawAt(const QPointF &position)
-{
-    redraw();
-    ColorSetting::instance().view()->centerOn(position);
-    Q_EMIT entryChanged();
-}
-
-QWidget *PictureScene::window()
-{
-    const QGraphicsView *view = ColorSetting::instance().view();
-    return view ? view->window() : nullptr;
 }

@@ -12,6 +12,7 @@
 class ButtonItem;
 class EntryBlock;
 class ResultRows;
+struct FocusPlace;
 
 /// A canvas: the list of a search page by page, all entries of one running number, or the start view.
 /// It reads and shows; what the buttons change is done by the forms and the catalogue that it calls for it.
@@ -37,6 +38,10 @@ public:
     /// Draws the present page, or the number listing, again from the same entry on.
     void redraw();
 
+    /// The same after entries were changed on another canvas: the page still begins with the entry that it began with,
+    /// even if rows before it have gone.
+    void redrawAfterChangeElsewhere();
+
     void showStartView(const QSqlRecord &picture, const QSqlRecord &entry);
     [[nodiscard]] bool showsStartPicture() const { return m_startPicture; }
 
@@ -54,10 +59,14 @@ public:
     /// Does what a press on the button or a double click on the photograph does.
     void activate(QGraphicsItem *item);
 
+    /// Puts the keyboard on the first button or photograph, if there is one.
+    void focusFirst();
+
 Q_SIGNALS:
     void numberListingRequested(int entryId);
     void backRequested();
     void entryChanged(); // an entry was edited or deleted from here
+    void itemsDeleted(); // nothing may point at an item any more
     void contentsChanged(); // other items stand on the canvas
 
 protected:
@@ -83,6 +92,7 @@ private:
 
     void press(const ButtonItem &button);
     void afterwards(std::function<void()> action);
+    void restoreFocus(const std::optional<FocusPlace> &place);
     void editEntry(int entryId, const QPointF &position);
     void deleteEntry(int entryId, const QPointF &position);
     void turnPictures(int entryId, const QString &key, int step);
@@ -93,11 +103,13 @@ private:
     std::optional<NumberListing> m_listing; // set on the canvas that lists one number
     int m_position = 1; // 1-based position in the full result of the next entry to show
     int m_pageStart = 1; // the position when the present page was begun
+    int m_firstEntryId = 0; // of the row at the page start; 0 when there is none
     QStringList m_numbersShown; // once mode: on this page and those before it
     QStringList m_numbersOfEarlierPages;
     QList<EntryBlock *> m_blocks; // of the page, in order; the settings object owns all items
     QList<QGraphicsItem *> m_otherFocusItems; // buttons that belong to no block
     double m_y = 0; // where the next block goes
+    QGraphicsItem *m_pressed = nullptr; // what the last press hit; null once that may be gone
     bool m_startPicture = false;
     bool m_busy = false; // a page is being loaded or a press is still to be carried out
 };

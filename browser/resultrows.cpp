@@ -13,8 +13,7 @@ using namespace Qt::StringLiterals;
 ResultRows::ResultRows(const QList<QSqlRecord> &rows)
     : m_rows(rows)
     , m_chunk(Pager::PageSize)
-{
-}
+{ }
 
 QString ResultRows::number(int index) const
 {

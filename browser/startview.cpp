@@ -3,6 +3,7 @@
 #include "browser/canvascolors.h"
 #include "browser/canvastexts.h"
 #include "browser/entryblock.h"
+#include "browser/startframe.h"
 #include "browser/textitem.h"
 #include "store/catalogquery.h"
 #include "store/colorsetting.h"
@@ -20,22 +21,21 @@ namespace {
 // Scene pixels.
 constexpr int Top = 20;
 constexpr QSize PhotoBox(760, 510); // a full copy of 750 x 500 with its mat
-constexpr int FrameWidth = 14;
-constexpr int PlateGap = 18;
+constexpr int PlateGap = 20;
 constexpr int Padding = 18;
-constexpr int DetailsWidth = 640;
+constexpr int DetailsWidth = 680;
 constexpr int StatisticsLeft = 740; // from the plate's left edge
+constexpr int StatisticsHeight = 60;
+constexpr double DividerLeft = 718.5;
 
-/// A rounded plate under the texts, or the wooden frame around the photograph.
-class Panel final : public QGraphicsItem
+/// The plate under the texts; a line parts the entry from the statistics.
+class Plate final : public QGraphicsItem
 {
 public:
-    Panel(const QSizeF &size, const QColor &ground, const QColor &edge)
+    Plate(const QSizeF &size, const CardColors &colors)
         : m_size(size)
-        , m_ground(ground)
-        , m_edge(edge)
-    {
-    }
+        , m_colors(colors)
+    { }
 
     [[nodiscard]] QRectF boundingRect() const override { return { QPointF(0, 0), m_size }; }
 
@@ -44,15 +44,15 @@ public:
         Q_UNUSED(option)
         Q_UNUSED(widget)
         painter->setRenderHint(QPainter::Antialiasing);
-        painter->setPen(QPen(m_edge, 1));
-        painter->setBrush(m_ground);
+        painter->setPen(QPen(m_colors.frame, 1));
+        painter->setBrush(m_colors.ground);
         painter->drawRoundedRect(boundingRect().adjusted(0.5, 0.5, -0.5, -0.5), 8, 8);
+        painter->drawLine(QPointF(DividerLeft, Padding), QPointF(DividerLeft, m_size.height() - Padding));
     }
 
 private:
     QSizeF m_size;
-    QColor m_ground;
-    QColor m_edge;
+    CardColors m_colors;
 };
 
 TextItem *text(const QString &content, int font, const QColor &color, const QPointF &at, double width = 0)
@@ -98,7 +98,9 @@ QList<QGraphicsItem *> details(
         y += item->height();
     };
     addLine(CanvasTexts::shown(modelName + u"  "_s + card.number), 0, colors.accent);
-    addLine(u"%1, %2"_s.arg(CanvasTexts::shown(card.place), CanvasTexts::date(card.seen)), 1, colors.text);
+    const QString place = CanvasTexts::shown(card.place);
+    const QString date = CanvasTexts::date(card.seen);
+    addLine(place.isEmpty() ? date : u"%1, %2"_s.arg(place, date), 1, colors.text);
     y += 4;
     addLine(CanvasTexts::shown(card.comment), 4, colors.text);
     bottom = y;
@@ -114,22 +116,20 @@ QList<QGraphicsItem *> startViewItems(const PicturePaths &paths, const EntryCard
 
     // The frame follows the photograph; photograph and plate share the middle axis of the canvas.
     auto *photo = new Picture(paths, PhotoBox);
-    const QRectF inner = photo->frame();
+    photo->setName(tr("Foto von %1").arg(CanvasTexts::shown(modelName + u' ' + card.number)));
+    auto *frame = new StartFrame(photo->frame().size());
     const double middle = EntryBlock::Left + EntryBlock::Width / 2.0;
-    photo->setPos(middle - PhotoBox.width() / 2.0, Top + FrameWidth - inner.top());
-    const QRectF outer
-        = inner.translated(photo->pos()).adjusted(-FrameWidth, -FrameWidth, FrameWidth, FrameWidth);
-    auto *frame = new Panel(outer.size(), QColor(94, 58, 34), QColor(52, 30, 16));
-    frame->setPos(outer.topLeft());
+    frame->setPos(std::floor(middle - frame->size().width() / 2), Top);
+    photo->setPos(frame->pos() + QPointF(StartFrame::Width, StartFrame::Width) - photo->frame().topLeft());
     items << frame << photo;
 
-    const double plateTop = std::floor(outer.bottom()) + PlateGap;
+    const double plateTop = Top + std::ceil(frame->size().height()) + PlateGap;
     double bottom = 0;
     const QPointF corner(EntryBlock::Left + Padding, plateTop + Padding - 4);
     const QList<QGraphicsItem *> lines = details(card, modelName, colors, corner, bottom);
     const QPointF anchor(EntryBlock::Left + StatisticsLeft, plateTop + Padding);
-    bottom = std::max(bottom, anchor.y() + 60);
-    auto *plate = new Panel({ double(EntryBlock::Width), std::ceil(bottom + Padding - plateTop) }, colors.ground, colors.frame);
+    bottom = std::max(bottom, anchor.y() + StatisticsHeight);
+    auto *plate = new Plate({ double(EntryBlock::Width), std::ceil(bottom + Padding - plateTop) }, colors);
     plate->setPos(EntryBlock::Left, plateTop);
     items << plate << lines << statistics(anchor, colors.text);
     return items;

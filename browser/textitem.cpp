@@ -5,6 +5,12 @@
 
 #include <algorithm>
 
+namespace {
+
+constexpr int SmallestLetters = 13; // pixels
+
+} // namespace
+
 TextItem::TextItem(const QString &text, const QFont &font, const QColor &color, double width, QGraphicsItem *parent)
     : QGraphicsTextItem(parent)
     , m_width(width)
@@ -21,6 +27,21 @@ TextItem::TextItem(const QString &text, const QFont &font, const QColor &color, 
         option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
         document()->setDefaultTextOption(option);
         setTextWidth(width);
+    }
+}
+
+void TextItem::fitInto(double height)
+{
+    QFont smaller = font();
+    while (this->height() > height && smaller.pixelSize() > SmallestLetters) {
+        smaller.setPixelSize(smaller.pixelSize() - 1);
+        setFont(smaller);
+    }
+    QString text = toPlainText();
+    while (this->height() > height && text.size() > 1) {
+        text.chop(text.size() > 2 && text.at(text.size() - 2).isLowSurrogate() ? 3 : 2);
+        text.append(u'…');
+        setPlainText(text);
     }
 }
 

@@ -15,7 +15,7 @@ ViewHolder::ViewHolder(QWidget *window)
     , m_view(new CanvasView(window))
 {
     m_canvases.push_back(std::make_unique<PictureScene>());
-    m_view->setScene(&results());
+    m_view->showCanvas(&results());
     connect(&results(), &PictureScene::numberListingRequested, this, &ViewHolder::showNumberListing);
 }
 
@@ -26,8 +26,8 @@ void ViewHolder::searchGroup(int groupId)
     QList<QSqlRecord> classes;
     CatalogQuery::instance().modelsOfGroup(classes, groupId);
     if (classes.isEmpty()) {
-        MessageBox::warning(m_view->window(), tr("Keine Daten"),
-            tr("Es wurden noch keine Baureihen unter dieser Gruppe erfasst!"));
+        MessageBox::warning(
+            m_view->window(), tr("Keine Daten"), tr("Es wurden noch keine Baureihen unter dieser Gruppe erfasst!"));
         return;
     }
     OptionDialog dialog(classes, groupId);
@@ -50,6 +50,7 @@ void ViewHolder::paintBackground()
 void ViewHolder::showNumberListing(int entryId)
 {
     m_resultsCentre = m_view->mapToScene(m_view->viewport()->rect().center());
+    const bool isKeyboardUsed = results().focusItem() != nullptr;
     if (m_canvases.size() == 1) {
         m_canvases.push_back(std::make_unique<PictureScene>());
         PictureScene *listing = m_canvases.back().get();
@@ -61,6 +62,9 @@ void ViewHolder::showNumberListing(int entryId)
     const QString number = catalog.entryNumber(entryId);
     show(1);
     current().showNumber(modelId, number);
+    if (isKeyboardUsed) {
+        current().focusFirst();
+    }
 }
 
 void ViewHolder::backToResults()
@@ -69,7 +73,7 @@ void ViewHolder::backToResults()
     if (m_resultsOutdated) {
         m_resultsOutdated = false;
         results().paintBackground();
-        results().redraw();
+        results().redrawAfterChangeElsewhere();
     }
     m_view->centerOn(m_resultsCentre);
 }
@@ -77,5 +81,5 @@ void ViewHolder::backToResults()
 void ViewHolder::show(std::size_t canvas)
 {
     m_current = canvas;
-    m_view->setScene(m_canvases.at(canvas).get());
+    m_view->showCanvas(m_canvases.at(canvas).get());
 }

@@ -102,7 +102,7 @@ void LocGroupForm::newLocPicture()
     int pictureId = -1;
     const QString path = choosePicture(pictureId);
     if (!path.isEmpty()) {
-        dropUnusedPicture();
+        dropUnusedPicture(); // of an earlier choice
         m_unusedPictureId = pictureId;
         m_picturePath = path;
         m_pictureChosen = true;
@@ -127,7 +127,7 @@ void LocGroupForm::changeLocPicture()
         u"UPDATE locomotive SET pictPath = :pict WHERE id = %1"_s.arg(groupId), { { u":pict"_s, path } });
     if (!outcome.done) {
         MessageBox::information(this, tr("DB-Update"), outcome.errorText);
-        LocPictureForm::deletePicture(pictureId, false, this); // no group has it
+        dropPicture(pictureId, path);
     }
     m_groupList->refresh();
     m_changeButton->setEnabled(false);
@@ -201,7 +201,15 @@ void LocGroupForm::done(int result)
 void LocGroupForm::dropUnusedPicture()
 {
     if (m_unusedPictureId >= 1) {
-        LocPictureForm::deletePicture(std::exchange(m_unusedPictureId, -1), false, this);
+        dropPicture(std::exchange(m_unusedPictureId, -1), m_picturePath);
+    }
+}
+
+/// Asks the database for groups with this picture, because a write may be stored although it was reported as failed.
+void LocGroupForm::dropPicture(int pictureId, const QString &path)
+{
+    if (!mayBelongToGroup(path)) {
+        LocPictureForm::deletePicture(pictureId, false, this);
     }
 }
 

@@ -53,6 +53,7 @@ private:
 
     QString choosePicture(int &pictureId);
     void dropUnusedPicture();
+    void dropPicture(int pictureId, const QString &path);
     void showPicture(const QString &path);
     void readyForNextGroup();
     void tellNothingChosen();

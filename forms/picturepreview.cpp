@@ -31,8 +31,7 @@ bool PicturePreview::showImage(const QImage &picture)
     }
     const QRectF area = sceneRect();
     const QSize room = (area.size() * devicePixelRatioF()).toSize();
-    QImage image
-        = picture.scaled(fittedInto(picture.size(), room), Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+    QImage image = picture.scaled(fittedInto(picture.size(), room), Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
     image.setDevicePixelRatio(devicePixelRatioF());
     clear();
     QGraphicsPixmapItem *item = scene()->addPixmap(QPixmap::fromImage(image));

@@ -23,6 +23,31 @@ QList<BoundValue> boundValues(const StoredPicture &picture)
         { u":phe"_s, picture.height }, { u":pwi"_s, picture.width } };
 }
 
+/// In how many rows `column` of `table` names the copy; none when that cannot be found out.
+std::optional<int> countRowsWith(const QString &path, const QString &table, const QString &column)
+{
+    QSqlQuery query;
+    query.prepare(u"SELECT COUNT(*) FROM %1 WHERE %2 = :path"_s.arg(table, column));
+    query.bindValue(u":path"_s, path);
+    if (!query.exec() || !query.next()) {
+        return {};
+    }
+    return query.value(0).toInt();
+}
+
+/// A disk that fails at the very end lets a COMMIT fail that has taken place: the copy goes only if no row has it.
+PictureOutcome outcomeOfFailedCommit(const QString &errorText, int newId, const StoredPicture &picture)
+{
+    const std::optional<int> rows = countRowsWith(picture.copyPath, u"loc_picture"_s, u"pictAuxPath"_s);
+    if (rows > 0) {
+        return { PictureOutcome::Stored, {}, newId };
+    }
+    if (rows == 0) {
+        removeCopy(picture.copyPath, picture.originalPath);
+    }
+    return { PictureOutcome::StatementFailed, errorText, 0 };
+}
+
 /// The file is written before the row is committed, so that a crash in between leaves no row without its file.
 PictureOutcome store(
     const QString &statement, const QList<BoundValue> &values, const StoredPicture &picture, const QImage &copy)
@@ -42,7 +67,7 @@ PictureOutcome store(
         return { PictureOutcome::Stored, {}, row.newId };
     }
     if (!copy.isNull()) {
-        removeCopy(picture.copyPath, picture.originalPath);
+        return outcomeOfFailedCommit(transaction.errorText(), row.newId, picture);
     }
     return { PictureOutcome::StatementFailed, transaction.errorText(), 0 };
 }
@@ -88,6 +113,11 @@ PictureOutcome updatePicture(int id, const StoredPicture &picture, const QImage 
     return store(u"UPDATE loc_picture SET pictAuxPath = :pap, pictOrigPath = :pop,  pictHeight = :phe, "
                  "pictWidth = :pwi WHERE id = %1"_s.arg(id),
         boundValues(picture), picture, copy);
+}
+
+bool mayBelongToGroup(const QString &copyPath)
+{
+    return countRowsWith(copyPath, u"locomotive"_s, u"pictPath"_s) != 0;
 }
 
 QString removePicture(int id, const StoredPicture &picture, bool keepCopy)

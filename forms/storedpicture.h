@@ -37,6 +37,9 @@ struct PictureOutcome
 /// Changes the paths and the size in the row, and writes `copy` unless it is null: both or neither.
 [[nodiscard]] PictureOutcome updatePicture(int id, const StoredPicture &picture, const QImage &copy);
 
+/// Whether a group has this copy as its picture, also when that cannot be found out.
+[[nodiscard]] bool mayBelongToGroup(const QString &copyPath);
+
 /// Deletes the row and then, unless `keepCopy`, the copy. Returns the driver's text when that failed, else an empty
 /// text.
 [[nodiscard]] QString removePicture(int id, const StoredPicture &picture, bool keepCopy);

@@ -4,8 +4,7 @@
 
 FolderLister::FolderLister(const QString &path)
     : m_names(QDir(path).entryList(QDir::AllDirs | QDir::NoDotAndDotDot))
-{
-}
+{ }
 
 void FolderLister::ensure(const QString &parentPath, const QString &name) const
 {

@@ -11,6 +11,9 @@
 #include <QSaveFile>
 #include <QThread>
 
+#include <fcntl.h>
+#include <unistd.h>
+
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -27,6 +30,23 @@ bool isInsideStore(const QString &path)
     const QFileInfo folder(QFileInfo(path).absolutePath());
     const QString realFolder = folder.canonicalFilePath();
     return !root.isEmpty() && QFileInfo(realFolder).path() == root;
+}
+
+bool isTaken(const QString &path)
+{
+    return QFileInfo::exists(path) || QFileInfo(path).isSymLink();
+}
+
+/// A new name is on the disk only when its folder is.
+bool syncFolderOf(const QString &path)
+{
+    const int folder = ::open(QFile::encodeName(QFileInfo(path).path()).constData(), O_RDONLY | O_CLOEXEC);
+    if (folder < 0) {
+        return false;
+    }
+    const bool isSynced = fsync(folder) == 0;
+    ::close(folder);
+    return isSynced;
 }
 
 bool isOriginal(const QString &path, const QString &originalPath)
@@ -54,7 +74,7 @@ QString copyPath(const QString &folder, const QDateTime &time)
 QString freeCopyPath(const QString &folder)
 {
     QString path = copyPath(folder, Clock::now());
-    while (QFileInfo::exists(path) || QFileInfo(path).isSymLink()) {
+    while (isTaken(path)) {
         QThread::msleep(1);
         path = copyPath(folder, Clock::now());
     }
@@ -68,8 +88,18 @@ bool writeCopy(const QImage &picture, const QString &path)
     if (!QImageWriter(&buffer, "JPEG").write(picture)) {
         return false;
     }
+    if (isTaken(path)) {
+        return false; // another program on the same folder had the same idea
+    }
     QSaveFile file(path);
-    return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() && file.flush() && file.commit();
+    const bool isWritten = file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() && file.flush()
+        && fsync(file.handle()) == 0 // commit() would not tell
+        && file.commit();
+    if (isWritten && !syncFolderOf(path)) {
+        QFile::remove(path);
+        return false;
+    }
+    return isWritten;
 }
 
 bool removeCopy(const QString &path, const QString &originalPath)

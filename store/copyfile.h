@@ -12,7 +12,8 @@
 /// clock is read again until the name is free.
 [[nodiscard]] QString freeCopyPath(const QString &folder);
 
-/// Writes the picture as a whole JPEG file on the disk, or nothing; true only when it is safely there.
+/// Writes the picture as a whole JPEG file on the disk, or nothing; true only when it is safely there. Never
+/// overwrites a file.
 [[nodiscard]] bool writeCopy(const QImage &picture, const QString &path);
 
 /// Removes a copy that the program made: a file directly inside a folder below "./Data/Pictures", and never the one

@@ -55,10 +55,13 @@ void createTables()
         u"INSERT INTO settings (category, name, value) VALUES ('QUERY-Type', 'Sort', 0)"_s,
     };
     // One transaction, because a program killed in between would leave a catalogue that later runs use as it is.
+    // Without it nothing is touched: another program has the file, and the drops would destroy what it is making.
     Transaction transaction;
     QSqlQuery query;
     for (const QString &statement : statements) {
-        query.exec(statement);
+        if (transaction.isOpen()) {
+            query.exec(statement);
+        }
     }
     if (!transaction.commit()) {
         qWarning("Tabellen nicht angelegt: %s", qUtf8Printable(transaction.errorText()));

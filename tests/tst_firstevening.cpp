@@ -189,7 +189,8 @@ void TestFirstEvening::addGroup(QWidget *form, const QString &name, const QStrin
 
 void TestFirstEvening::makesTwoGroupsWithPictures()
 {
-    for (const auto &[name, picture] : { std::pair(u"Krokodile"_s, u"gruppe1.jpg"_s), std::pair(u"Schnellzugloks"_s, u"gruppe2.jpg"_s) }) {
+    for (const auto &[name, picture] :
+        { std::pair(u"Krokodile"_s, u"gruppe1.jpg"_s), std::pair(u"Schnellzugloks"_s, u"gruppe2.jpg"_s) }) {
         ModalScript script;
         script.then([&](QWidget *form) {
             addGroup(form, name, source(picture), script);
@@ -271,7 +272,8 @@ void TestFirstEvening::capturesTenEntriesWithPhotographs()
 
 void TestFirstEvening::copiesAreUprightReducedAndOnWhite()
 {
-    QSqlQuery query(u"SELECT pictAuxPath, pictWidth, pictHeight, pictOrigPath FROM loc_picture WHERE locpictureid > 0"_s);
+    QSqlQuery query(
+        u"SELECT pictAuxPath, pictWidth, pictHeight, pictOrigPath FROM loc_picture WHERE locpictureid > 0"_s);
     while (query.next()) {
         const QImage copy(query.value(0).toString());
         QCOMPARE(copy.size(), QSize(query.value(1).toInt(), query.value(2).toInt()));
@@ -410,7 +412,8 @@ void TestFirstEvening::deletesAnEntry()
     const EntryBlock *block = m_browser->block(0);
     ModalScript script;
     script.box(u"Eintrag Entfernen"_s,
-        u"Eintrag %1 mit der Lok-Nummer 14253 und alle dazugehörenden Bilder löschen?"_s.arg(block->card().id), u"Ja"_s);
+        u"Eintrag %1 mit der Lok-Nummer 14253 und alle dazugehörenden Bilder löschen?"_s.arg(block->card().id),
+        u"Ja"_s);
     m_browser->click(m_browser->button(ButtonKind::Delete, block));
     QCOMPARE(script.problems().join(u'\n'), QString());
     QCOMPARE(m_browser->numbers().size(), 9);
@@ -424,8 +427,8 @@ void TestFirstEvening::keepsAGroupThatHasClasses()
         groupInUse.click(groups, u"Gruppe entfernen"_s);
         groupInUse.click(groups, u"Schliessen"_s);
     });
-    groupInUse.box(u"Daten vorhanden"_s,
-        u"Die Gruppe kann nicht entfernt werden, da sich noch Baureihen darunter befinden!"_s);
+    groupInUse.box(
+        u"Daten vorhanden"_s, u"Die Gruppe kann nicht entfernt werden, da sich noch Baureihen darunter befinden!"_s);
     openGroupForm();
     QCOMPARE(groupInUse.problems().join(u'\n'), QString());
 }

@@ -15,6 +15,7 @@
 #include <QGraphicsView>
 #include <QGridLayout>
 #include <QGroupBox>
+#include <QGuiApplication>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMessageBox>
@@ -23,10 +24,9 @@
 #include <QSqlError>
 #include <QSqlQuery>
 #include <QTableView>
-#include <QWheelEvent>
-#include <QGuiApplication>
 #include <QTest>
 #include <QTextEdit>
+#include <QWheelEvent>
 
 #include <memory>
 

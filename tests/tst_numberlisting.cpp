@@ -26,6 +26,7 @@ private Q_SLOTS:
     void countButtonListsAllEntriesOfTheNumber();
     void backReturnsToTheSamePlace();
     void deletionInTheListingRedrawsBothCanvases();
+    void deletionBeforeThePageKeepsItsFirstEntry();
     void editInTheListingRedrawsIt();
     void colourChangeRedrawsTheListing();
     void searchLeavesTheListing();
@@ -99,14 +100,33 @@ void TestNumberListing::deletionInTheListingRedrawsBothCanvases()
 {
     openListing();
     ModalScript script;
-    script.box(u"Eintrag Entfernen"_s,
-        u"Eintrag 32 mit der Lok-Nummer 115 und alle dazugehörenden Bilder löschen?"_s, u"Ja"_s);
+    script.box(u"Eintrag Entfernen"_s, u"Eintrag 32 mit der Lok-Nummer 115 und alle dazugehörenden Bilder löschen?"_s,
+        u"Ja"_s);
     m_browser->click(m_browser->button(ButtonKind::Delete, m_browser->block(0)));
     QCOMPARE(script.problems(), QStringList());
     QVERIFY(holder().showsListing());
     QCOMPARE(m_browser->caption(), u"2 Einträge der Ce 6/8 115"_s);
     m_browser->click(m_browser->button(ButtonKind::Back));
     QCOMPARE(m_browser->caption(), u"31 Einträge der Baureihe Ce 6/8"_s);
+}
+
+void TestNumberListing::deletionBeforeThePageKeepsItsFirstEntry()
+{
+    for (int i = 0; i < 60; ++i) {
+        m_catalogue->addEntry(QString::number(500 + i), 1, u"Bern"_s, QDate(1991, 1, 1).addDays(i));
+    }
+    QCOMPARE(m_browser->search(m_group, { u"Ce 6/8"_s, u"nur einmal"_s, u"nein alle"_s, u"Datum"_s, u"80"_s }),
+        QStringList());
+    const QStringList before = m_browser->numbers();
+    QCOMPARE(before.last(), u"115"_s);
+    m_browser->click(m_browser->button(ButtonKind::Count, m_browser->canvas().blocks().constLast()));
+    ModalScript script;
+    script.box(u"Eintrag Entfernen"_s, u"Eintrag 32 mit der Lok-Nummer 115 und alle dazugehörenden Bilder löschen?"_s,
+        u"Ja"_s);
+    m_browser->click(m_browser->button(ButtonKind::Delete, m_browser->block(0))); // the very first row of the class
+    QCOMPARE(script.problems(), QStringList());
+    m_browser->click(m_browser->button(ButtonKind::Back));
+    QCOMPARE(m_browser->numbers(), before);
 }
 
 void TestNumberListing::editInTheListingRedrawsIt()

@@ -39,8 +39,14 @@ PageRun runPage(int position, int rows, bool once, const std::function<bool(int)
     return run;
 }
 
-bool always(int) { return true; }
-bool never(int) { return false; }
+bool always(int)
+{
+    return true;
+}
+bool never(int)
+{
+    return false;
+}
 
 } // namespace
 

@@ -78,6 +78,7 @@ private Q_SLOTS:
     void missingSampleSourceIsNamedSo();
     void pressOnAPhotographDoesNothing();
     void doubleClickOnAButtonActsOnceOnly();
+    void doubleClickOnMoreOpensNoPhotographOfTheNextPage();
     void missingButtonImageTakesTheCompiledInCopy();
     void textsAreNeverMarkup();
     void progressAppearsOnlyAfterItsTime();
@@ -282,8 +283,7 @@ void TestResultList::onceByNumberAcrossTwoPages()
 {
     // 30 numbers with three sightings each: 20 numbers fill the first page, which ends after row 60.
     for (int i = 0; i < 90; ++i) {
-        m_catalogue->addEntry(
-            QString::number(1000 + i / 3), m_model, u"Bern"_s, QDate(1990, 1, 1).addDays(i));
+        m_catalogue->addEntry(QString::number(1000 + i / 3), m_model, u"Bern"_s, QDate(1990, 1, 1).addDays(i));
     }
     QCOMPARE(m_browser->search(m_group, { {}, u"nur einmal"_s, u"nein alle"_s, u"Nummer"_s }), QStringList());
     QCOMPARE(m_browser->numbers().size(), 20);
@@ -381,8 +381,8 @@ void TestResultList::deleteAsksAndRedrawsThePageInPlace()
     QCOMPARE(m_browser->search(m_group), QStringList());
     m_browser->click(m_browser->button(ButtonKind::More));
     ModalScript script;
-    script.box(u"Eintrag Entfernen"_s,
-        u"Eintrag 43 mit der Lok-Nummer 1042 und alle dazugehörenden Bilder löschen?"_s, u"Ja"_s);
+    script.box(u"Eintrag Entfernen"_s, u"Eintrag 43 mit der Lok-Nummer 1042 und alle dazugehörenden Bilder löschen?"_s,
+        u"Ja"_s);
     m_browser->click(m_browser->button(ButtonKind::Delete, m_browser->block(2)));
     QCOMPARE(script.problems(), QStringList());
     QCOMPARE(m_browser->numbers().mid(0, 3), (QStringList { u"1040"_s, u"1041"_s, u"1043"_s }));
@@ -397,8 +397,8 @@ void TestResultList::refusedDeletionChangesNothing()
     addEntries(2);
     QCOMPARE(m_browser->search(m_group), QStringList());
     ModalScript script;
-    script.box(u"Eintrag Entfernen"_s,
-        u"Eintrag 1 mit der Lok-Nummer 1000 und alle dazugehörenden Bilder löschen?"_s, u"Nein"_s);
+    script.box(u"Eintrag Entfernen"_s, u"Eintrag 1 mit der Lok-Nummer 1000 und alle dazugehörenden Bilder löschen?"_s,
+        u"Nein"_s);
     m_browser->click(m_browser->button(ButtonKind::Delete, m_browser->block(0)));
     QCOMPARE(script.problems(), QStringList());
     QCOMPARE(m_browser->numbers().size(), 2);
@@ -464,8 +464,8 @@ void TestResultList::missingSampleSourceIsNamedSo()
     QVERIFY(executeWrite(u"UPDATE loc_picture SET pictOrigPath = 'D:/xabe/Pictures/02Bahnito/1.jpg'"_s).done);
     QCOMPARE(m_browser->search(m_group), QStringList());
     ModalScript script;
-    script.box(u"Datei-Fehler"_s,
-        u"Bilddatei stammt aus den mitgelieferten Testdaten, das Original ist nicht vorhanden!"_s);
+    script.box(
+        u"Datei-Fehler"_s, u"Bilddatei stammt aus den mitgelieferten Testdaten, das Original ist nicht vorhanden!"_s);
     m_browser->doubleClick(m_browser->photos(m_browser->block(0)).first());
     QCOMPARE(script.problems(), QStringList());
 }
@@ -491,6 +491,30 @@ void TestResultList::doubleClickOnAButtonActsOnceOnly()
     QCOMPARE(m_browser->search(m_group), QStringList());
     m_browser->doubleClick(m_browser->button(ButtonKind::More));
     QCOMPARE(m_browser->numbers().first(), u"1040"_s); // the press turned one page, the double click none
+}
+
+void TestResultList::doubleClickOnMoreOpensNoPhotographOfTheNextPage()
+{
+    Viewer viewer;
+    QDesktopServices::setUrlHandler(u"file"_s, &viewer, "open");
+    addEntries(80);
+    for (int entry = 41; entry <= 80; ++entry) { // the second page is full of photographs
+        m_catalogue->addPicture(entry);
+        m_catalogue->addPicture(entry);
+    }
+    QCOMPARE(m_browser->search(m_group), QStringList());
+    CanvasView *view = m_browser->window().viewHolder().view();
+    ButtonItem *more = m_browser->button(ButtonKind::More);
+    view->ensureVisible(more);
+    const QPoint place = view->mapFromScene(more->sceneBoundingRect().center());
+    QTest::mouseClick(view->viewport(), Qt::LeftButton, {}, place);
+    QTRY_COMPARE(m_browser->numbers().first(), u"1040"_s);
+    for (int dy = -150; dy <= 150; dy += 30) { // wherever the photographs stand now
+        QTest::mouseDClick(view->viewport(), Qt::LeftButton, {}, place + QPoint(-60, dy));
+    }
+    QTest::qWait(20);
+    QDesktopServices::unsetUrlHandler(u"file"_s);
+    QCOMPARE(viewer.opened, QList<QUrl>());
 }
 
 void TestResultList::missingButtonImageTakesTheCompiledInCopy()

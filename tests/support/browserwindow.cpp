@@ -67,6 +67,14 @@ QStringList BrowserWindow::search(int groupId, const SearchWish &wish)
     return script.problems();
 }
 
+void BrowserWindow::activate()
+{
+    m_window->activateWindow();
+    if (!QTest::qWaitForWindowActive(m_window.get())) {
+        qFatal("the window did not become active");
+    }
+}
+
 void BrowserWindow::clickGroup(int groupId)
 {
     auto *button = m_window->findChild<QToolButton *>(u"group%1"_s.arg(groupId));

@@ -38,6 +38,9 @@ public:
     /// Clicks the group's button and answers the search options dialog; returns what was not as expected.
     QStringList search(int groupId, const SearchWish &wish = {});
 
+    /// Gives the window the keyboard, as the desktop does when a dialog has closed.
+    void activate();
+
     void clickGroup(int groupId);
     void click(QGraphicsItem *item);
     void doubleClick(QGraphicsItem *item);

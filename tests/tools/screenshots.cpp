@@ -10,12 +10,16 @@
 #include "forms/locseenform.h"
 #include "search/clock.h"
 #include "search/messagebox.h"
+#include "store/statement.h"
 #include "tests/support/browserwindow.h"
 #include "tests/support/modalscript.h"
 
 #include <QApplication>
+#include <QCursor>
 #include <QDir>
+#include <QFile>
 #include <QMenu>
+#include <QSqlQuery>
 #include <QTableView>
 #include <QTest>
 #include <QTextStream>
@@ -27,16 +31,42 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr int Group = 2; // of the sample catalogue: four classes, entries with up to six pictures
+constexpr QSize WindowSize(1280, 850); // the window's own, which the platform may have changed
+constexpr int Group = 2; // of the sample catalogue, with the class that is searched
+const QString SearchedClass = u"Re 460"_s;
 
-/// Writes what a window shows into numbered files.
+/// First column of the statement's first row.
+QVariant found(const QString &statement)
+{
+    QSqlQuery query;
+    if (!query.exec(statement) || !query.next()) {
+        qFatal("not in the sample: %s", qUtf8Printable(statement));
+    }
+    return query.value(0);
+}
+
+int richestEntry()
+{
+    return found(u"SELECT locpictureid FROM loc_picture GROUP BY locpictureid ORDER BY COUNT(*) DESC, id LIMIT 1"_s)
+        .toInt();
+}
+
+/// A picture in the middle of the searched class.
+QString someCopy()
+{
+    return found(u"SELECT pictAuxPath FROM loc_picture JOIN loc_seen ON loc_seen.id = locpictureid "
+                 "JOIN loc_model ON loc_model.id = locseenid WHERE modelname = '%1' "
+                 "ORDER BY locseendate LIMIT 1 OFFSET 2"_s.arg(SearchedClass))
+        .toString();
+}
+
+/// Writes what a window shows into files.
 class Album final
 {
 public:
     explicit Album(const QString &folder)
         : m_folder(folder)
-    {
-    }
+    { }
 
     void add(QWidget *widget, const QString &name)
     {
@@ -88,15 +118,15 @@ void search(BrowserWindow &browser, const SearchWish &wish)
     }
 }
 
-/// The canvas in all its states on the background of that name.
+/// The canvas in all its states on the background of that name. One photograph's copy is missing.
 void addCanvas(Album &album, const QString &color)
 {
     BrowserWindow browser;
-    browser.window().resize(1280, 850);
+    browser.window().resize(WindowSize);
     browser.pickColor(color);
     CanvasView *view = browser.window().viewHolder().view();
     album.add(&browser.window(), u"hauptfenster-start-%1"_s.arg(color));
-    search(browser, { u"Re 6/6"_s });
+    search(browser, { SearchedClass });
     album.add(&browser.window(), u"hauptfenster-liste-%1"_s.arg(color));
     QTest::keyClick(view, Qt::Key_PageDown);
     view->setFocus();
@@ -106,16 +136,44 @@ void addCanvas(Album &album, const QString &color)
     album.add(&browser.window(), u"hauptfenster-tastatur-%1"_s.arg(color));
     QTest::keyClick(view, Qt::Key_End);
     album.add(&browser.window(), u"hauptfenster-listenende-%1"_s.arg(color));
-    search(browser, { u"Re 6/6"_s, u"nur einmal"_s, u"ja"_s, u"Nummer"_s });
+    search(browser, { SearchedClass, u"nur einmal"_s, u"ja"_s, u"Nummer"_s });
     album.add(&browser.window(), u"hauptfenster-nur-einmal-%1"_s.arg(color));
     browser.click(browser.button(ButtonKind::Count, browser.block(0)));
     album.add(&browser.window(), u"hauptfenster-nummer-%1"_s.arg(color));
 }
 
+void addBackgrounds(Album &album)
+{
+    BrowserWindow browser;
+    browser.window().resize(WindowSize);
+    search(browser, { SearchedClass });
+    for (const QString &color : { u"grau"_s, u"blau"_s, u"gelb"_s, u"grün"_s }) {
+        browser.pickColor(color);
+        album.add(&browser.window(), u"hauptfenster-liste-%1"_s.arg(color));
+    }
+}
+
+void addEmptyCatalogue(Album &album)
+{
+    const TestCatalogue catalogue;
+    BrowserWindow browser;
+    browser.window().resize(WindowSize);
+    album.add(&browser.window(), u"hauptfenster-leer"_s);
+    addModal(album, u"gruppen-leer"_s, [&] { browser.window().locGroup(); });
+}
+
+/// The sample's folder names would tell on whose machine the pictures were taken.
+void hideOwnFolders()
+{
+    const QString own = QDir::current().absoluteFilePath(u"Originale"_s);
+    (void)executeWrite(
+        u"UPDATE loc_picture SET pictOrigPath = replace(pictOrigPath, '%1', '/home/heidi/Bilder/Bahn')"_s.arg(own));
+}
+
 void addWindowParts(Album &album)
 {
     BrowserWindow browser;
-    browser.window().resize(1280, 850);
+    browser.window().resize(WindowSize);
     QMenu *menu = browser.window().findChild<QToolButton *>(u"colorButton"_s)->menu();
     menu->popup(browser.window().mapToGlobal(QPoint(80, 50)));
     album.add(menu, u"farbmenue"_s);
@@ -130,13 +188,27 @@ void addEntryForms(Album &album)
 {
     addModal(album, u"eintrag-neu"_s, [] { LocseenForm(-1, 6).exec(); });
     addModal(
-        album, u"eintrag-bearbeiten"_s, [] { LocseenForm(2, 6).exec(); },
+        album, u"eintrag-bearbeiten"_s, [] { LocseenForm(richestEntry(), -1).exec(); },
         [](QWidget *dialog) {
             clickRow(dialog, 0);
             QTest::mouseClick(dialog->findChild<QAbstractButton *>(u"showPictureButton"_s), Qt::LeftButton);
         });
-    addModal(album, u"bild-neu"_s, [] { LocPictureForm(2, -1).exec(); });
-    addModal(album, u"bild-zeigen"_s, [] { LocPictureForm(2, 10).exec(); });
+    addModal(album, u"bild-neu"_s, [] { LocPictureForm(richestEntry(), -1).exec(); });
+    addModal(album, u"bild-zeigen"_s, [] { LocPictureForm(richestEntry(), 10).exec(); });
+}
+
+void addFileDialog(Album &album)
+{
+    ModalScript script;
+    script.then([&](QWidget *form) {
+        script.then([&](QWidget *dialog) {
+            album.add(dialog, u"dateiauswahl"_s);
+            dialog->close();
+        });
+        script.click(form, u"Bild auswählen"_s);
+        form->close();
+    });
+    LocPictureForm(richestEntry(), -1).exec();
 }
 
 void addMaintenanceForms(Album &album)
@@ -150,22 +222,13 @@ void addMaintenanceForms(Album &album)
         });
     addModal(album, u"baureihen"_s, [] { LocModelForm(Group).exec(); });
     addModal(album, u"baureihe-verschieben"_s, [] { LocGroupForm(6, u"Re 4/4 II"_s, nullptr).exec(); });
-    ModalScript script;
-    script.then([&](QWidget *form) {
-        script.then([&](QWidget *dialog) {
-            album.add(dialog, u"dateiauswahl"_s);
-            dialog->close();
-        });
-        script.click(form, u"Bild auswählen"_s);
-        form->close();
-    });
-    LocPictureForm(2, -1).exec();
 }
 
 void addBoxes(Album &album)
 {
     addModal(album, u"box-keine-daten"_s, [] {
-        MessageBox::warning(nullptr, u"Keine Daten"_s, u"Es wurden noch keine Baureihen unter dieser Gruppe erfasst!"_s);
+        MessageBox::warning(
+            nullptr, u"Keine Daten"_s, u"Es wurden noch keine Baureihen unter dieser Gruppe erfasst!"_s);
     });
     addModal(album, u"box-eintrag-entfernen"_s, [] {
         (void)MessageBox::confirm(nullptr, u"Eintrag Entfernen"_s,
@@ -200,12 +263,18 @@ int main(int argc, char *argv[])
         return 1;
     }
     Clock::setSource([] { return QDateTime(QDate(2024, 5, 17), QTime(14, 0, 30, 501)); }); // chooses the start picture
-    Album album(QString::fromLocal8Bit(argv[1]));
+    QCursor::setPos(0, 0); // else something may light up under the mouse
+    hideOwnFolders();
+    QFile::remove(someCopy());
+    Album album(QDir(QString::fromLocal8Bit(argv[1])).absolutePath());
     addCanvas(album, u"weiss"_s);
     addCanvas(album, u"schwarz"_s);
+    addBackgrounds(album);
     addWindowParts(album);
     addEntryForms(album);
+    addFileDialog(album);
     addMaintenanceForms(album);
     addBoxes(album);
+    addEmptyCatalogue(album);
     return 0;
 }
