@@ -7,8 +7,13 @@ root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd -P)
 build_packages=(g++ cmake ninja-build qt6-base-dev qt6-translations-l10n)
 # The database driver, the fonts that stand in for those of Windows, and what opens a photograph in its viewer.
 run_packages=(libqt6sql6-sqlite fonts-open-sans fonts-liberation fonts-dejavu-core xdg-utils)
-test_packages=("${build_packages[@]}" "${run_packages[@]}")
+# What the test of the Debian package makes it with.
+packaging_packages=(dpkg-dev file asciidoctor)
 style_packages=(git clang-format clang-tidy)
+# What the floors of scripts/bench are made of. bench/ is built only where these are there.
+bench_packages=(libbenchmark-dev libturbojpeg0-dev)
+# Whoever tests also compiles the measurements, so that they keep pace with the program.
+test_packages=("${build_packages[@]}" "${run_packages[@]}" "${packaging_packages[@]}" "${bench_packages[@]}")
 
 say() {
     printf 'Bahnito: %s\n' "$*"
