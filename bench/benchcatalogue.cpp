@@ -143,7 +143,7 @@ QString BenchCatalogue::nextFolder()
         ++m_folder;
     }
     ++m_filesInFolder;
-    const QString name = folderName(m_folder);
+    QString name = folderName(m_folder);
     if (m_filesInFolder == 1) {
         QDir(u"./Data/Pictures"_s).mkdir(name);
     }

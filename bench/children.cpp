@@ -88,7 +88,7 @@ QJsonObject output(const QString &program, const QString &folder, const QStringL
     process.start(program, arguments, QIODevice::ReadOnly);
     process.waitForFinished(LongestRun);
     const QByteArray text = process.readAllStandardOutput();
-    const QJsonObject object = QJsonDocument::fromJson(text).object();
+    QJsonObject object = QJsonDocument::fromJson(text).object();
     if (process.exitStatus() != QProcess::NormalExit || process.exitCode() != 0 || object.isEmpty()) {
         qFatal("%s %s in %s has failed.", qUtf8Printable(program), qUtf8Printable(arguments.join(u' ')),
             qUtf8Printable(folder));

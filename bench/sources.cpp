@@ -105,6 +105,7 @@ bool makeBaseCopies(const QString &folder, int count)
     const QList<PlannedPicture> pictures = planSample(count, Seed).pictures;
     const int workers = std::max(1, int(std::thread::hardware_concurrency()));
     std::vector<std::future<bool>> running;
+    running.reserve(std::size_t(workers));
     for (int worker = 0; worker < workers; ++worker) {
         running.push_back(std::async(std::launch::async, [&, worker] {
             bool isGood = true;

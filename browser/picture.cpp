@@ -30,9 +30,12 @@ Picture::Picture(const PicturePaths &paths, const QSize &box, QGraphicsItem *par
     m_isPlaceholder = size.isEmpty();
     const QSize shown = fittedInto(m_isPlaceholder ? PlaceholderSize : size, room);
     const QSize frame = (shown + QSize(2 * Mat, 2 * Mat)).expandedTo(SmallestFrame);
-    m_frame = QRectF(QPointF((box.width() - frame.width()) / 2, (box.height() - frame.height()) / 2), frame);
-    m_area = QRectF(
-        m_frame.topLeft() + QPointF((frame.width() - shown.width()) / 2, (frame.height() - shown.height()) / 2), shown);
+    const auto centred = [](const QSize &inner, const QSize &outer) { // on whole pixels, so that nothing is blurred
+        return QPoint((outer.width() - inner.width()) / 2, (outer.height() - inner.height()) / 2);
+    };
+    const QPoint corner = centred(frame, box);
+    m_frame = QRect(corner, frame);
+    m_area = QRect(corner + centred(shown, frame), shown);
     setToolTip(m_isPlaceholder
             ? QCoreApplication::translate("Picture", "Die Kopie dieses Bildes fehlt oder ist nicht lesbar.")
             : QCoreApplication::translate("Picture", "Doppelklick öffnet das Original."));

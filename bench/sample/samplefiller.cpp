@@ -148,7 +148,7 @@ bool SampleFiller::writeOriginal(const QString &path, const QByteArray &bytes, c
     QDir().mkpath(QFileInfo(path).path());
     QFile file(path);
     const bool isWritten = file.open(QIODevice::WriteOnly | QIODevice::NewOnly) && file.write(bytes) == bytes.size()
-        && file.flush() && file.setFileTime(taken.startOfDay().addSecs(12 * 3600), QFileDevice::FileModificationTime);
+        && file.flush() && file.setFileTime(QDateTime(taken, QTime(12, 0)), QFileDevice::FileModificationTime);
     return isWritten || fail(u"Die Datei \"%1\" konnte nicht geschrieben werden."_s.arg(path));
 }
 

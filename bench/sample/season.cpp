@@ -3,6 +3,7 @@
 #include <QLinearGradient>
 
 #include <algorithm>
+#include <cmath>
 
 namespace {
 
@@ -86,7 +87,7 @@ Daylight::Daylight(Season daySeason, Light dayLight)
 
 QColor mixed(const QColor &from, const QColor &to, double share)
 {
-    const auto part = [share](int one, int other) { return int(one + (other - one) * share + 0.5); };
+    const auto part = [share](int one, int other) { return int(std::lround(one + (other - one) * share)); };
     return { part(from.red(), to.red()), part(from.green(), to.green()), part(from.blue(), to.blue()),
         part(from.alpha(), to.alpha()) };
 }
