@@ -1,0 +1,41 @@
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+#include <QTemporaryDir>
+
+/// Where a fault test keeps its catalogues: in memory where that is offered, because a thousand kills mean many
+/// thousand waits for a disk.
+class FaultFolder final
+{
+public:
+    FaultFolder();
+
+    [[nodiscard]] QString path(const QString &name = {}) const { return m_folder.filePath(name); }
+
+    /// A fresh copy of `from`, with its links as links; `to` is emptied before.
+    static void copy(const QString &from, const QString &to);
+
+private:
+    QTemporaryDir m_folder;
+};
+
+/// Whether the long share was asked for, with scripts/test --long.
+[[nodiscard]] bool isLongRun();
+
+/// `quick` in the run for every day, `longCount` in the long one.
+[[nodiscard]] inline int share(int quick, int longCount)
+{
+    return isLongRun() ? longCount : quick;
+}
+
+/// All rows of the catalogue in `folder`, a line each, with "<Kopie>" for the names of copies and pictures without id.
+/// Settings are left out unless `withSettings`. Reads through a connection of its own, which rolls back what a killed
+/// program has left.
+[[nodiscard]] QString catalogueDump(const QString &folder, bool withSettings = false);
+
+/// The findings of the catalogue check that are damage. A file without a row is none: it costs room and nothing else.
+[[nodiscard]] QStringList damages(const QString &folder);
+
+/// Digest over all names, sizes, times and contents below `folder`.
+[[nodiscard]] QByteArray folderDigest(const QString &folder);

@@ -1,0 +1,35 @@
+#pragma once
+
+#include "tests/faults/catalogueuser.h"
+
+#include <QList>
+#include <QString>
+
+/// One thing that a user does in the sample catalogue and that ends with the catalogue changed.
+struct SavingStep
+{
+    QString name;
+    std::function<void(CatalogueUser &)> run; // the steps before it have been done, perhaps in an earlier session
+    bool mayLoseCopies = false; // when it fails: the copies of an entry are removed before its rows
+};
+
+/// All ways to change a catalogue, in an order in which they can be done one after the other. `photographs` is the
+/// folder of makeSamplePhotographs(). The last one ends the session.
+[[nodiscard]] QList<SavingStep> savingSteps(const QString &photographs);
+
+/// What the steps lead to when nothing goes wrong.
+struct Reference
+{
+    QStringList states; // the dump after each commit, beginning with the dump of the sample catalogue
+    QList<int> reached; // for each step the index in `states` at its end
+
+    /// The state before step `step`.
+    [[nodiscard]] int before(int step) const { return step == 0 ? 0 : reached.at(step - 1); }
+};
+
+/// Does all steps in a copy of the sample catalogue `sample` and leaves in `snapshots` a catalogue "0", "1", … as it
+/// was before each step. Forks; the clock of all runs starts at the same moment.
+[[nodiscard]] Reference makeReference(const QString &sample, const QList<SavingStep> &steps, const QString &snapshots);
+
+/// Sets the clock of the process to a fixed day; each look finds it a millisecond later.
+void setSteadyClock();
