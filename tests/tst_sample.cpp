@@ -29,6 +29,7 @@ private Q_SLOTS:
     void catalogueHoldsWhatWasAsked();
     void groupsHavePicturesOutsideTheNumberedFolders();
     void copiesAreFittedAndOriginalsLarger();
+    void picturesShowTheLocomotiveOfTheirEntry();
     void originalsCarryTheDayOfTheSighting();
     void sameSeedGivesTheSameCatalogue();
     void otherSeedGivesAnotherCatalogue();
@@ -158,6 +159,15 @@ void TestSample::copiesAreFittedAndOriginalsLarger()
         hasPortrait = hasPortrait || copy.height() > copy.width();
     }
     QVERIFY(hasPortrait);
+}
+
+void TestSample::picturesShowTheLocomotiveOfTheirEntry()
+{
+    QVERIFY(rows(m_sample, u"SELECT COUNT(*) FROM loc_picture WHERE locpictureid <> -1"_s).first().toInt() > 30);
+    QCOMPARE(rows(m_sample,
+                 u"SELECT pictOrigPath FROM loc_picture AS p JOIN loc_seen AS s ON s.id = p.locpictureid "
+                 "WHERE pictOrigPath NOT LIKE '%/' || nummer || ' %'"_s),
+        QStringList());
 }
 
 void TestSample::originalsCarryTheDayOfTheSighting()

@@ -15,10 +15,10 @@ constexpr int NumbersPerClass = 4;
 constexpr int FirstYear = 1979;
 constexpr int LastYear = 2018;
 
-/// The views of one locomotive come first, because its number can be read there; the others suit the whole class.
+/// An entry shows the near views first.
 enum class Scene { Passing, Station, Portrait, Lake, Viaduct, Meadow };
-constexpr std::array OwnScenes { Scene::Passing, Scene::Station };
-constexpr std::array SharedScenes { Scene::Portrait, Scene::Lake, Scene::Viaduct, Scene::Meadow };
+constexpr std::array NearScenes { Scene::Passing, Scene::Station };
+constexpr std::array OtherScenes { Scene::Portrait, Scene::Lake, Scene::Viaduct, Scene::Meadow };
 
 View viewOf(Scene scene)
 {
@@ -62,7 +62,7 @@ private:
         QString number;
         Season season; // in which this collection has met it
     };
-    using PictureKey = std::tuple<Scene, int, QString, Season>; // sorted: scenes with numbers first
+    using PictureKey = std::tuple<Scene, int, QString, Season>; // sorted: near scenes first
 
     void inventLocomotives();
     void planEntry(int index);
@@ -133,13 +133,13 @@ void Planner::planEntry(int index)
 void Planner::planPictures(int index, const Engine &engine)
 {
     const int count = pictureCount();
-    QList<Scene> scenes(OwnScenes.begin(), OwnScenes.end());
+    QList<Scene> scenes(NearScenes.begin(), NearScenes.end());
     if (m_random.bounded(2) == 0) {
         std::swap(scenes[0], scenes[1]);
     }
-    QList<Scene> shared(SharedScenes.begin(), SharedScenes.end());
-    while (!shared.isEmpty()) {
-        scenes.append(shared.takeAt(m_random.bounded(int(shared.size()))));
+    QList<Scene> others(OtherScenes.begin(), OtherScenes.end());
+    while (!others.isEmpty()) {
+        scenes.append(others.takeAt(m_random.bounded(int(others.size()))));
     }
     for (int i = 0; i < count; ++i) {
         addPicture(index, scenes.at(i), engine);
@@ -149,12 +149,10 @@ void Planner::planPictures(int index, const Engine &engine)
 void Planner::addPicture(int entry, Scene scene, const Engine &engine)
 {
     const int type = m_plan.entries.at(entry).locomotiveClass;
-    const bool isOwn = std::find(OwnScenes.begin(), OwnScenes.end(), scene) != OwnScenes.end();
-    const QString number = isOwn ? engine.number : m_engines.at(type).first().number;
-    const PictureKey key(scene, type, number, engine.season);
+    const PictureKey key(scene, type, engine.number, engine.season); // its other entries share the photograph
     auto found = m_pictures.find(key);
     if (found == m_pictures.end()) {
-        found = m_pictures.emplace(key, picture(scene, type, number, engine.season)).first;
+        found = m_pictures.emplace(key, picture(scene, type, engine.number, engine.season)).first;
     }
     found->second.entries.append(entry);
 }
