@@ -72,9 +72,10 @@ ApplWindow::ApplWindow()
     buildCanvas();
     registerFonts();
     m_viewHolder->paintBackground();
-    drawRandomPicture();
+    const int storedPictures = CatalogQuery::instance().countStoredPictures(); // a walk over all, so only once
+    drawRandomPicture(storedPictures);
     if (m_randomPicture > 0) {
-        showStartPicture();
+        showStartPicture(storedPictures);
     }
     buildGroupColumn();
     auto *centre = new QWidget(this);
@@ -253,12 +254,12 @@ void ApplWindow::buildGroupColumn()
     m_scrollArea = area;
 }
 
-void ApplWindow::drawRandomPicture()
+void ApplWindow::drawRandomPicture(int storedPictures)
 {
-    m_randomPicture = randomPictureNumber(Clock::now().time(), CatalogQuery::instance().countStoredPictures());
+    m_randomPicture = randomPictureNumber(Clock::now().time(), storedPictures);
 }
 
-void ApplWindow::showStartPicture()
+void ApplWindow::showStartPicture(int storedPictures)
 {
     const CatalogQuery &catalog = CatalogQuery::instance();
     QList<QSqlRecord> pictures;
@@ -269,7 +270,7 @@ void ApplWindow::showStartPicture()
     QList<QSqlRecord> entries;
     catalog.entryById(entries, rowId(pictures.first(), u"locpictureid"_s));
     if (!entries.isEmpty()) {
-        m_viewHolder->results().showStartView(pictures.first(), entries.first());
+        m_viewHolder->results().showStartView(pictures.first(), entries.first(), storedPictures);
     }
 }
 
@@ -278,7 +279,7 @@ void ApplWindow::redrawCanvas()
     if (m_viewHolder->showsListing()) {
         m_viewHolder->current().redraw();
     } else if (m_viewHolder->results().showsStartPicture()) {
-        showStartPicture();
+        showStartPicture(CatalogQuery::instance().countStoredPictures());
     } else {
         m_viewHolder->results().restartSearch();
     }

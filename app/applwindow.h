@@ -36,8 +36,8 @@ private:
     void registerFonts();
     void buildGroupColumn();
     void orderTabs();
-    void drawRandomPicture();
-    void showStartPicture();
+    void drawRandomPicture(int storedPictures);
+    void showStartPicture(int storedPictures);
     void redrawCanvas();
 
     int m_randomPicture = 0;

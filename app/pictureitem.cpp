@@ -39,7 +39,10 @@ PictureItem::PictureItem(
     m_nameTip = u"<p>%1</p>"_s.arg(shownName.toHtmlEscaped()); // as rich text only so that it is plainly escaped
     setToolTip(m_nameTip);
     setAccessibleName(shownName);
-    showPicture(shownName);
+    m_hasPicture = !pictureSize(picturePath).isEmpty();
+    if (!m_hasPicture) {
+        showName();
+    }
     connect(this, &QToolButton::clicked, this, [this] { m_holder.searchGroup(m_groupId); });
 }
 
@@ -60,15 +63,22 @@ bool PictureItem::event(QEvent *event)
 void PictureItem::keyPressEvent(QKeyEvent *event)
 {
     if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) {
-        click();
+        if (!event->isAutoRepeat()) { // a key held down would answer the dialog and open it again
+            click();
+        }
         return;
     }
     QToolButton::keyPressEvent(event);
 }
 
+/// A long column is mostly out of sight, so a picture is decoded when its button is painted for the first time, and
+/// again on a screen of another scale.
 /// The style's mark of the keyboard focus is lost on a picture; the canvas's is not.
 void PictureItem::paintEvent(QPaintEvent *event)
 {
+    if (m_hasPicture && !qFuzzyCompare(m_shownScale, devicePixelRatioF())) {
+        showPicture();
+    }
     QToolButton::paintEvent(event);
     if (hasFocus()) {
         QPainter painter(this);
@@ -77,16 +87,25 @@ void PictureItem::paintEvent(QPaintEvent *event)
     }
 }
 
-void PictureItem::showPicture(const QString &name)
+void PictureItem::showPicture()
 {
     const double scale = devicePixelRatioF();
-    QImage image = loadPicture(m_picturePath, [scale](const QSize &size) { return groupIconSize(size) * scale; });
+    m_shownScale = scale;
+    QImage image = loadPicture(
+        m_picturePath, [scale](const QSize &size) { return groupIconSize(size) * scale; }, Reduction::Quick);
     if (image.isNull()) {
-        // The icon stays empty; the name keeps the button recognisable.
-        setToolButtonStyle(Qt::ToolButtonTextOnly);
-        setText(fontMetrics().elidedText(name, Qt::ElideRight, IconLength).replace(u'&', u"&&"_s));
+        m_hasPicture = false;
+        setIcon({});
+        showName();
         return;
     }
     image.setDevicePixelRatio(scale);
     setIcon(QIcon(QPixmap::fromImage(image)));
+}
+
+/// The icon stays empty; the name keeps the button recognisable.
+void PictureItem::showName()
+{
+    setToolButtonStyle(Qt::ToolButtonTextOnly);
+    setText(fontMetrics().elidedText(accessibleName(), Qt::ElideRight, IconLength).replace(u'&', u"&&"_s));
 }

@@ -28,10 +28,13 @@ protected:
     void paintEvent(QPaintEvent *event) override;
 
 private:
-    void showPicture(const QString &name);
+    void showPicture();
+    void showName();
 
     int m_groupId;
     QString m_picturePath;
     QString m_nameTip; // the group's name as tool tip
+    bool m_hasPicture = false;
+    double m_shownScale = 0; // of the screen that the picture was decoded for; 0 before it was
     ViewHolder &m_holder; // outlives the button
 };

@@ -14,6 +14,7 @@ int runProgram(QApplication &application)
 {
     Startup::setLibraryPaths();
     Startup::speakGerman(application);
+    Startup::dress();
     Startup::makeDataFolders();
     if (!Startup::openCatalogue()) {
         MessageBox::warning(nullptr, QCoreApplication::translate("main", "Datenbankfehler Error"),

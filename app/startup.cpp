@@ -1,5 +1,7 @@
 #include "app/startup.h"
 
+#include "app/programstyle.h"
+#include "forms/dialogstyle.h"
 #include "search/folderlister.h"
 #include "store/database.h"
 
@@ -42,6 +44,13 @@ void Startup::speakGerman(QApplication &application)
         u"Helvetica [Cronyx]"_s, { u"Helvetica"_s, u"Open Sans"_s, u"Liberation Sans"_s, u"DejaVu Sans"_s });
 }
 
+void Startup::dress()
+{
+    QApplication::setStyle(new ProgramStyle); // the application owns it
+    QApplication::setFont(dialogFont());
+    QGuiApplication::setDesktopFileName(u"de.bahnito.bahnito"_s); // by which desktops find the icon for the window
+}
+
 void Startup::makeDataFolders()
 {
     FolderLister(u"./"_s).ensure(u"./"_s, u"Data"_s);
@@ -59,8 +68,8 @@ bool Startup::openCatalogue()
     if (!connectDatabase()) {
         return false;
     }
-    if (isFirstRun && isDatabaseEmpty()) {
-        createTables();
+    if (isFirstRun) {
+        createTables(Existing::Keep); // if another program has made the file meanwhile, what it made is there to stay
     }
     return true;
 }

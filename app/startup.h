@@ -14,6 +14,9 @@ void setLibraryPaths();
 /// German for Qt's own dialogs and buttons, German dates and numbers, and fonts in place of those that are missing.
 void speakGerman(QApplication &application);
 
+/// One font for all windows, boxes and tool tips, and boxes whose icons are the program's own.
+void dress();
+
 /// Makes "./Data", "./Data/Pictures" and in it "AuxFolder", "Folder001" and "Folder002" where they are missing.
 /// A folder that cannot be made is not reported; copies into it fail later.
 void makeDataFolders();

@@ -20,7 +20,6 @@ namespace {
 constexpr int BaseCopies = 200;
 constexpr int ClassesPerGroup = 5;
 constexpr int Classes = BenchCatalogue::Groups * ClassesPerGroup;
-constexpr int FullClassRows = 200;
 constexpr int MostPictures = 6;
 constexpr int FilesPerFolder = 200; // as the program itself fills many folders
 
@@ -38,9 +37,14 @@ int numbersOf(int modelId)
 BenchCatalogue::BenchCatalogue(QString baseFolder, int entries)
     : m_baseFolder(std::move(baseFolder))
     , m_entries(entries)
-    , m_clock(QDate(2001, 2, 3), QTime(4, 5))
+    , m_clock(QDate(CopyYear, 2, 3), QTime(4, 5))
     , m_random(quint32(entries))
 { }
+
+int BenchCatalogue::groupOf(int modelId)
+{
+    return (modelId - 1) / ClassesPerGroup + 1;
+}
 
 bool BenchCatalogue::fill()
 {
@@ -86,7 +90,7 @@ void BenchCatalogue::addGroupsAndClasses()
     for (int i = 0; i < Classes; ++i) {
         const QString &name = locomotiveClasses().at(i % locomotiveClasses().size()).name;
         insert(u"INSERT INTO loc_model (modelname, locid) VALUES (:modnam, :locid) "_s,
-            { { u":modnam"_s, u"%1 (%2)"_s.arg(name).arg(i + 1) }, { u":locid"_s, i / ClassesPerGroup + 1 } });
+            { { u":modnam"_s, u"%1 (%2)"_s.arg(name).arg(i + 1) }, { u":locid"_s, groupOf(i + 1) } });
     }
 }
 

@@ -19,7 +19,12 @@ public:
     static constexpr int LongestClass = 2; // 10,000 rows
     static constexpr int FullClass = 3; // 200 rows, each with six pictures
     static constexpr int LongClassRows = 1000;
+    static constexpr int FullClassRows = 200;
+    static constexpr int CopyYear = 2001; // begins the names of all copies
     static constexpr int LongestClassRows = 10000;
+
+    /// The group that holds the class.
+    [[nodiscard]] static int groupOf(int modelId);
 
     BenchCatalogue(QString baseFolder, int entries);
 

@@ -1,6 +1,8 @@
 #include "app/startup.h"
+#include "bench/benchcatalogue.h"
 #include "bench/children.h"
 #include "bench/firstpaint.h"
+#include "bench/keptcatalogue.h"
 #include "bench/report.h"
 #include "bench/sources.h"
 
@@ -13,27 +15,33 @@
 
 using namespace Qt::StringLiterals;
 
-// bahnito-bench [--quick] DATA JSON ENTRIES...: makes the catalogues below DATA that are missing, measures, prints the
-// table and writes the JSON file. bahnito-bench --child …: one measurement in the working folder.
+// bahnito-bench [--quick] [--screen=DISPLAY] DATA JSON ENTRIES...: makes the catalogues below DATA that are missing,
+// measures, prints the table and writes the JSON file. With an X server the start is measured there, too.
+// bahnito-bench --child …: one measurement in the working folder.
 
 namespace {
 
 struct Plan
 {
     bool isQuick = false;
+    QString screen; // empty when there is no X server
     QString data;
     QString json;
     QStringList entries;
 
     [[nodiscard]] int repetitions() const { return isQuick ? 5 : 15; }
     [[nodiscard]] QString folder(const QString &count) const { return data + u'/' + count; }
-    [[nodiscard]] QString sources() const { return data + u"/sources"_s; }
+    [[nodiscard]] QString sources() const { return data + u"/photographs"_s; }
 };
 
 Plan planOf(QStringList arguments)
 {
     Plan plan;
     plan.isQuick = arguments.removeAll(u"--quick"_s) > 0;
+    const QString screenOption = u"--screen="_s;
+    if (arguments.value(0).startsWith(screenOption)) {
+        plan.screen = arguments.takeFirst().mid(screenOption.size());
+    }
     plan.data = arguments.value(0);
     plan.json = arguments.value(1);
     plan.entries = arguments.mid(2);
@@ -45,22 +53,27 @@ void tell(const QString &text)
     QTextStream(stderr) << text << '\n';
 }
 
-/// A catalogue counts as made only when its mark is there: it may have been given up half-way.
-void makeCatalogues(const Plan &plan)
+bool makeCatalogues(const Plan &plan)
 {
     for (const QString &count : plan.entries) {
         const QString folder = plan.folder(count);
-        const QString mark = folder + u"/fertig"_s;
-        if (QFile::exists(mark)) {
-            continue;
+        const KeptCatalogue catalogue(folder);
+        if (!catalogue.isMade()) {
+            tell(u"making a catalogue of %1 entries"_s.arg(count));
+            catalogue.clear();
+            (void)Children::run(folder, { u"make"_s, plan.data + u"/base"_s, count });
+            if (!catalogue.noteMade()) {
+                return false;
+            }
         }
-        tell(u"making a catalogue of %1 entries"_s.arg(count));
-        QDir(folder).removeRecursively();
-        QDir().mkpath(folder);
-        QFile::link(QCoreApplication::applicationDirPath() + u"/images"_s, folder + u"/images"_s);
-        (void)Children::run(folder, { u"make"_s, plan.data + u"/base"_s, count });
-        QFile(mark).open(QIODevice::WriteOnly);
+        const QString images = folder + u"/images"_s;
+        QFile::remove(images); // a link, perhaps into the folder of another build
+        QFile::link(QCoreApplication::applicationDirPath() + u"/images"_s, images);
+        if (!catalogue.restore()) {
+            return false;
+        }
     }
+    return true;
 }
 
 void keep(Timings &all, const Timings &timings, const QString &entries = {})
@@ -70,8 +83,8 @@ void keep(Timings &all, const Timings &timings, const QString &entries = {})
     }
 }
 
-/// Program and floors in turn.
-void measureStarts(Timings &all, const Plan &plan, const QString &entries)
+/// Program and floors in turn; `prefix` stands before their names.
+void measureStarts(Timings &all, const Plan &plan, const QString &entries, const QString &prefix, const QString &screen)
 {
     struct Program
     {
@@ -84,7 +97,7 @@ void measureStarts(Timings &all, const Plan &plan, const QString &entries)
         { u"bench-storewindow"_s, u"store window"_s, {}, {} } };
     for (int i = 0; i <= plan.repetitions(); ++i) {
         for (Program &program : programs) {
-            const Children::Start start = Children::start(program.file, plan.folder(entries));
+            const Children::Start start = Children::start(program.file, plan.folder(entries), screen);
             if (i > 0) { // the first is not counted: it reads the disk
                 program.ms.append(start.ms);
                 program.memory.append(start.memory / 1024);
@@ -92,8 +105,8 @@ void measureStarts(Timings &all, const Plan &plan, const QString &entries)
         }
     }
     for (const Program &program : std::as_const(programs)) {
-        keep(all, { { program.name, timingOf(program.ms) }, { program.name + u" memory"_s, timingOf(program.memory) } },
-            entries);
+        const QString name = prefix + program.name;
+        keep(all, { { name, timingOf(program.ms) }, { name + u" memory"_s, timingOf(program.memory) } }, entries);
     }
 }
 
@@ -107,6 +120,7 @@ void measureMemory(Timings &all, const Plan &plan)
             for (Timing &timing : timings) {
                 timing.best /= 1024;
                 timing.median /= 1024;
+                timing.worst /= 1024;
             }
             keep(all, timings, middle);
         }
@@ -122,8 +136,15 @@ Timings measureAll(const Plan &plan)
     const QString repetitions = QString::number(plan.repetitions());
     for (const QString &entries : plan.entries) {
         tell(u"measuring %1 entries"_s.arg(entries));
-        measureStarts(all, plan, entries);
-        for (const QString &child : { u"pages"_s, u"canvas"_s, u"store"_s }) {
+        measureStarts(all, plan, entries, {}, {});
+        if (!plan.screen.isEmpty()) {
+            measureStarts(all, plan, entries, u"screen "_s, plan.screen);
+        }
+        QStringList children { u"pages"_s, u"store"_s };
+        if (entries.toInt() > BenchCatalogue::LongClassRows + BenchCatalogue::FullClassRows) {
+            children.append(u"canvas"_s);
+        }
+        for (const QString &child : std::as_const(children)) {
             keep(all, Children::run(plan.folder(entries), { child, {}, repetitions }), entries);
         }
     }
@@ -133,7 +154,7 @@ Timings measureAll(const Plan &plan)
     const QString smallest = plan.folder(plan.entries.first());
     const QString kind = plan.isQuick ? u"quick"_s : u"all"_s;
     keep(all, Children::run(smallest, { u"capture"_s, plan.sources(), repetitions, kind }));
-    keep(all, Children::run(smallest, { u"quality"_s, plan.sources() }));
+    keep(all, Children::run(smallest, { u"quality"_s, plan.sources(), {}, kind }));
     return all;
 }
 
@@ -152,14 +173,17 @@ int main(int argc, char *argv[])
     }
     const Plan plan = planOf(arguments);
     if (plan.entries.isEmpty()) {
-        tell(u"usage: bahnito-bench [--quick] DATA JSON ENTRIES..."_s);
+        tell(u"usage: bahnito-bench [--quick] [--screen=DISPLAY] DATA JSON ENTRIES..."_s);
         return 2;
     }
     if (!makeSourcePhotos(plan.sources(), plan.isQuick)) {
         tell(u"The large photographs could not be written."_s);
         return 1;
     }
-    makeCatalogues(plan);
+    if (!makeCatalogues(plan)) {
+        tell(u"The catalogues could not be made ready."_s);
+        return 1;
+    }
     const Timings timings = measureAll(plan);
     QTextStream(stdout) << tableOf(timings);
     return writeJson(timings, plan.json) ? 0 : 1;

@@ -15,6 +15,7 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QProcess>
+#include <QProcessEnvironment>
 #include <QTextStream>
 
 #include <functional>
@@ -30,13 +31,13 @@ Timings single(const QString &name, double value)
     return { { name, timingOf({ value }) } };
 }
 
-Timings qualities(const QString &sources)
+Timings qualities(const QString &sources, bool isQuick)
 {
     QImageReader::setAllocationLimit(0); // the whole source is wanted
     Timings timings;
-    for (const QString &name : { u"24 megapixels.jpg"_s, u"20 megapixels.jpg"_s, u"50 megapixels.jpg"_s,
-             u"24 megapixels, progressive.jpg"_s, u"24 megapixels.png"_s }) {
-        timings.insert(single(u"quality of "_s + name, copyQuality(sources + u'/' + name)));
+    const QList<SourcePhoto> photos = qualityPhotos(isQuick);
+    for (const SourcePhoto &photo : photos) {
+        timings.insert(single(u"quality of "_s + photo.name, copyQuality(sources + u'/' + photo.name)));
     }
     timings.insert(single(u"quality on the canvas"_s, shownQuality(baseCopy(sources + u"/../base"_s, 0))));
     return timings;
@@ -61,7 +62,7 @@ Timings measured(const QStringList &arguments)
         return measureCapture(first, arguments.contains(u"quick"_s), repetitions);
     }
     if (name == u"quality"_s) {
-        return qualities(first);
+        return qualities(first, arguments.contains(u"quick"_s));
     }
     if (name == u"scrolled page"_s) {
         return single(u"memory of a page"_s, Memory::ofScrolledPage());
@@ -80,9 +81,15 @@ QString programPath(const QString &name)
     return QCoreApplication::applicationDirPath() + u'/' + name;
 }
 
-QJsonObject output(const QString &program, const QString &folder, const QStringList &arguments)
+QJsonObject output(const QString &program, const QString &folder, const QStringList &arguments, const QString &screen)
 {
     QProcess process;
+    if (!screen.isEmpty()) {
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert(u"QT_QPA_PLATFORM"_s, u"xcb"_s);
+        environment.insert(u"DISPLAY"_s, screen);
+        process.setProcessEnvironment(environment);
+    }
     process.setWorkingDirectory(folder);
     process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
     process.start(program, arguments, QIODevice::ReadOnly);
@@ -112,8 +119,7 @@ int Children::runAsChild(const QStringList &arguments)
     const Timings timings = measured(arguments);
     QJsonObject object;
     for (auto it = timings.cbegin(); it != timings.cend(); ++it) {
-        object[it.key()]
-            = QJsonObject { { u"best"_s, it->best }, { u"median"_s, it->median }, { u"count"_s, it->count } };
+        object[it.key()] = toJson(*it);
     }
     QTextStream(stdout) << QJsonDocument(object).toJson();
     return object.isEmpty() ? 1 : 0;
@@ -121,17 +127,17 @@ int Children::runAsChild(const QStringList &arguments)
 
 Timings Children::run(const QString &folder, const QStringList &arguments)
 {
-    const QJsonObject object = output(programPath(u"bahnito-bench"_s), folder, QStringList(u"--child"_s) + arguments);
+    const QJsonObject object
+        = output(programPath(u"bahnito-bench"_s), folder, QStringList(u"--child"_s) + arguments, {});
     Timings timings;
     for (auto it = object.begin(); it != object.end(); ++it) {
-        const QJsonObject value = it.value().toObject();
-        timings[it.key()] = { value[u"best"_s].toDouble(), value[u"median"_s].toDouble(), value[u"count"_s].toInt() };
+        timings[it.key()] = timingFrom(it.value().toObject());
     }
     return timings;
 }
 
-Children::Start Children::start(const QString &program, const QString &folder)
+Children::Start Children::start(const QString &program, const QString &folder, const QString &screen)
 {
-    const QJsonObject object = output(programPath(program), folder, { QString::number(nowMs(), 'f', 3) });
+    const QJsonObject object = output(programPath(program), folder, { QString::number(nowMs(), 'f', 3) }, screen);
     return { object[u"ms"_s].toDouble(), object[u"rss"_s].toDouble() };
 }

@@ -7,6 +7,8 @@
 #include <algorithm>
 #include <array>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 /// Collects the single repetitions; prints nothing.
@@ -51,7 +53,19 @@ Timing timingOf(QList<double> values)
         return {};
     }
     std::sort(values.begin(), values.end());
-    return { values.first(), values.at(values.size() / 2), int(values.size()) };
+    return { values.first(), values.at(values.size() / 2), values.last(), int(values.size()) };
+}
+
+QJsonObject toJson(const Timing &timing)
+{
+    return { { u"best"_s, timing.best }, { u"median"_s, timing.median }, { u"worst"_s, timing.worst },
+        { u"count"_s, timing.count } };
+}
+
+Timing timingFrom(const QJsonObject &object)
+{
+    return { object[u"best"_s].toDouble(), object[u"median"_s].toDouble(), object[u"worst"_s].toDouble(),
+        object[u"count"_s].toInt() };
 }
 
 Timings measure(const QList<Operation> &operations, int repetitions)

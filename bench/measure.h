@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QJsonObject>
 #include <QList>
 #include <QMap>
 #include <QString>
@@ -17,6 +18,7 @@ struct Timing
 {
     double best = 0; // milliseconds, or whatever unit the case is in
     double median = 0;
+    double worst = 0;
     int count = 0;
 };
 
@@ -26,6 +28,9 @@ using Timings = QMap<QString, Timing>;
 [[nodiscard]] double elapsed(const std::function<void()> &work);
 
 [[nodiscard]] Timing timingOf(QList<double> values);
+
+[[nodiscard]] QJsonObject toJson(const Timing &timing);
+[[nodiscard]] Timing timingFrom(const QJsonObject &object);
 
 /// Takes every operation `repetitions` times, all of them in one random order, so that whatever else the machine does
 /// meets a case and its floor alike. Each is done once beforehand, uncounted.

@@ -31,7 +31,7 @@ int Memory::ofScrolledPage()
 {
     Browsing browsing;
     const int before = residentKb();
-    browsing.search(searchOf(BenchCatalogue::FullClass, u"Datum"_s, false, false));
+    browsing.search({ BenchCatalogue::FullClass, u"Datum"_s, false, false });
     scrollThrough(browsing);
     return residentKb() - before;
 }
@@ -51,7 +51,7 @@ int Memory::ofHeldPictures()
 double Memory::growthOverPages(int pages)
 {
     Browsing browsing;
-    browsing.search(searchOf(BenchCatalogue::LongestClass, u"Datum"_s, false, false));
+    browsing.search({ BenchCatalogue::LongestClass, u"Datum"_s, false, false });
     scrollThrough(browsing);
     const int first = residentKb();
     for (int page = 1; page < pages; ++page) {

@@ -44,21 +44,11 @@ PageFloor::PageFloor(const Browsing &browsing, const SearchParameters &parameter
         m_groupedCount = u"SELECT nummer, COUNT(*) FROM loc_seen WHERE locseenid = %1 GROUP BY nummer"_s.arg(model);
     }
     QStringList ids;
-    QHash<QString, QString> copies; // by source
     for (const EntryBlock *block : browsing.results().blocks()) {
         ids.append(QString::number(block->card().id));
-        for (const PicturePaths &paths : block->card().pictures) {
-            copies.insert(paths.source, paths.copy);
-        }
     }
     m_pictures = u"SELECT * FROM loc_picture WHERE locpictureid IN (%1)"_s.arg(ids.join(u','));
-    const QList<QGraphicsItem *> items = browsing.view()->items(browsing.view()->viewport()->rect());
-    for (QGraphicsItem *item : items) {
-        if (const auto *picture = qgraphicsitem_cast<Picture *>(item)) {
-            const QSize size = picture->frame().size().toSize() - QSize(Mat, Mat);
-            m_visible.append({ copies.value(picture->sourcePath()), size });
-        }
-    }
+    m_visible = shownPictures(browsing, browsing.view()->items(browsing.view()->viewport()->rect()));
 }
 
 double PageFloor::take() const
@@ -70,17 +60,40 @@ double PageFloor::take() const
         if (!m_groupedCount.isEmpty()) {
             const QList<QSqlRecord> numbers = records(m_groupedCount);
         }
-        for (const auto &[path, size] : m_visible) {
-            decodePlainly(path, size);
-        }
+        decodePlainly(m_visible);
     });
 }
 
-void decodePlainly(const QString &path, const QSize &size)
+double PageFloor::takeDecoding() const
 {
-    QImageReader reader(path);
-    reader.setScaledSize(size);
-    if (reader.read().isNull()) {
-        qFatal("A floor could not decode %s", qUtf8Printable(path));
+    return elapsed([this] { decodePlainly(m_visible); });
+}
+
+QList<ShownPicture> shownPictures(const Browsing &browsing, const QList<QGraphicsItem *> &items)
+{
+    QHash<QString, QString> copies; // by source
+    for (const EntryBlock *block : browsing.results().blocks()) {
+        for (const PicturePaths &paths : block->card().pictures) {
+            copies.insert(paths.source, paths.copy);
+        }
+    }
+    QList<ShownPicture> pictures;
+    for (QGraphicsItem *item : items) {
+        if (const auto *picture = qgraphicsitem_cast<Picture *>(item)) {
+            const QSize size = picture->frame().size().toSize() - QSize(Mat, Mat);
+            pictures.append({ copies.value(picture->sourcePath()), size });
+        }
+    }
+    return pictures;
+}
+
+void decodePlainly(const QList<ShownPicture> &pictures)
+{
+    for (const ShownPicture &picture : pictures) {
+        QImageReader reader(picture.path);
+        reader.setScaledSize(picture.size);
+        if (reader.read().isNull()) {
+            qFatal("A floor could not decode %s", qUtf8Printable(picture.path));
+        }
     }
 }

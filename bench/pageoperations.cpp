@@ -3,13 +3,15 @@
 #include "bench/benchcatalogue.h"
 #include "bench/browsing.h"
 #include "bench/pagefloor.h"
-#include "browser/buttonitem.h"
 #include "browser/canvasview.h"
 #include "browser/entryblock.h"
 #include "browser/picturescene.h"
 #include "browser/viewholder.h"
 
+#include <QApplication>
+#include <QKeyEvent>
 #include <QScrollBar>
+#include <QWheelEvent>
 
 #include <algorithm>
 
@@ -17,90 +19,119 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr int WheelStep = 60; // pixels that one notch of a wheel scrolls
+constexpr int Notch = 120; // of a wheel, in the eighths of a degree that its events count
 
 struct PageCase
 {
     QString name;
-    SearchParameters parameters;
+    SearchWish wish;
+    int page = 1;
 };
 
 QList<PageCase> pageCases()
 {
     const int model = BenchCatalogue::LongClass;
+    const SearchWish byDate { model, u"Datum"_s, false, false };
+    const SearchWish once { model, u"Datum"_s, true, false };
+    const SearchWish onceWithPictures { model, u"Datum"_s, true, true };
     return {
-        { u"page by date"_s, searchOf(model, u"Datum"_s, false, false) },
-        { u"page by number"_s, searchOf(model, u"Nummer"_s, false, false) },
-        { u"page by place"_s, searchOf(model, u"Ort"_s, false, false) },
-        { u"page once"_s, searchOf(model, u"Nummer"_s, true, false) },
-        { u"page pictures only"_s, searchOf(model, u"Datum"_s, false, true) },
-        { u"page once, pictures only"_s, searchOf(model, u"Nummer"_s, true, true) },
+        { u"page by date"_s, byDate },
+        { u"page by number"_s, { model, u"Nummer"_s, false, false } },
+        { u"page by place"_s, { model, u"Ort"_s, false, false } },
+        { u"more"_s, byDate, 2 },
+        { u"page pictures only"_s, { model, u"Datum"_s, false, true } },
+        { u"page once"_s, once },
+        { u"page once by number"_s, { model, u"Nummer"_s, true, false } },
+        { u"page once, third"_s, once, 3 },
+        { u"page once, pictures only"_s, onceWithPictures },
+        { u"page once, pictures only by number"_s, { model, u"Nummer"_s, true, true } },
+        { u"page once, pictures only, second"_s, onceWithPictures, 2 },
+        { u"page once, pictures only, third"_s, onceWithPictures, 3 },
     };
 }
 
-ButtonItem *findButton(const QList<QGraphicsItem *> &items, ButtonKind kind)
+/// Milliseconds of the last step to the page: the search, or the more button.
+double showPage(Browsing &browsing, const PageCase &page)
 {
-    for (QGraphicsItem *item : items) {
-        auto *button = qgraphicsitem_cast<ButtonItem *>(item);
-        if (button && button->kind() == kind) {
-            return button;
-        }
+    if (page.page == 1) {
+        return browsing.searchInDialog(page.wish);
     }
-    qFatal("A button that is to be pressed is not there.");
+    browsing.search(page.wish);
+    for (int passed = 2; passed < page.page; ++passed) {
+        browsing.pressMore();
+    }
+    return elapsed([&browsing] { browsing.pressMore(); });
 }
 
-QList<Operation> firstPages(Browsing &browsing)
+QList<Operation> pages(Browsing &browsing)
 {
     QList<Operation> operations;
     const QList<PageCase> cases = pageCases();
     for (const PageCase &page : cases) {
-        browsing.search(page.parameters);
-        operations.append(
-            { page.name + u" floor"_s, [floor = PageFloor(browsing, page.parameters)] { return floor.take(); } });
-        operations.append(
-            { page.name, [&browsing, page] { return elapsed([&] { browsing.search(page.parameters); }); } });
+        (void)showPage(browsing, page);
+        operations.append({ page.name + u" floor"_s,
+            [floor = PageFloor(browsing, page.wish.parameters())] { return floor.take(); } });
+        operations.append({ page.name, [&browsing, page] { return showPage(browsing, page); } });
     }
     return operations;
 }
 
-QList<Operation> furtherPages(Browsing &browsing)
+/// `isOutdated` means that the page must be drawn anew because something was changed meanwhile.
+double comeBack(Browsing &browsing, bool isOutdated)
 {
-    const SearchParameters byDate = pageCases().first().parameters;
-    const auto afterwards = [&browsing, byDate](const std::function<void()> &work) {
-        browsing.search(byDate);
-        return elapsed([&] {
-            work();
-            browsing.watch().waitForPaint();
-        });
-    };
-    const auto afterListing = [&browsing, byDate](bool isOutdated) {
-        browsing.search(byDate);
-        browsing.holder().showNumberListing(browsing.results().blocks().first()->card().id);
-        if (isOutdated) {
-            browsing.holder().paintBackground(); // as an edit there does
-        }
-        browsing.watch().waitForPaint();
-        return elapsed([&] {
-            browsing.holder().backToResults();
-            browsing.watch().waitForPaint();
-        });
-    };
+    browsing.search(pageCases().first().wish);
+    browsing.holder().showNumberListing(browsing.results().blocks().first()->card().id);
+    if (isOutdated) {
+        browsing.holder().paintBackground(); // as an edit there does
+    }
+    browsing.watch().waitForPaint();
+    return elapsed([&browsing] {
+        ButtonItem *back = findButton(browsing.holder().current().items(), ButtonKind::Back);
+        browsing.press(back);
+    });
+}
+
+QList<Operation> drawnAgain(Browsing &browsing)
+{
+    const SearchWish byDate = pageCases().first().wish;
+    browsing.search(byDate);
+    const PageFloor floor(browsing, byDate.parameters());
     return {
-        { u"more"_s, [=, &browsing] { return afterwards([&browsing] { browsing.results().loadPage(true); }); } },
-        { u"redraw"_s, [=, &browsing] { return afterwards([&browsing] { browsing.results().redraw(); }); } },
-        { u"back"_s, [=] { return afterListing(false); } },
-        { u"back after an edit"_s, [=] { return afterListing(true); } },
+        { u"redraw"_s,
+            [&browsing, byDate] {
+                browsing.search(byDate);
+                return browsing.editFirstEntry();
+            } },
+        { u"back"_s, [&browsing] { return comeBack(browsing, false); } },
+        { u"back floor"_s, [floor] { return floor.takeDecoding(); } },
+        { u"back after an edit"_s, [&browsing] { return comeBack(browsing, true); } },
     };
 }
 
-double worstStep(Browsing &browsing, int step)
+void turnWheel(const Browsing &browsing)
 {
-    browsing.search(searchOf(BenchCatalogue::LongClass, u"Datum"_s, false, false));
-    QScrollBar *bar = browsing.view()->verticalScrollBar();
+    QWidget *viewport = browsing.view()->viewport();
+    const QPointF middle = viewport->rect().center();
+    QWheelEvent event(middle, viewport->mapToGlobal(middle), {}, { 0, -Notch }, Qt::NoButton, Qt::NoModifier,
+        Qt::NoScrollPhase, false);
+    QCoreApplication::sendEvent(viewport, &event);
+}
+
+void pressPageDown(const Browsing &browsing)
+{
+    QKeyEvent event(QEvent::KeyPress, Qt::Key_PageDown, Qt::NoModifier);
+    QCoreApplication::sendEvent(browsing.view(), &event);
+}
+
+/// The longest of all steps over a page whose entries have six pictures each.
+double worstStep(Browsing &browsing, void (*step)(const Browsing &))
+{
+    browsing.search({ BenchCatalogue::FullClass, u"Datum"_s, false, false });
+    const QScrollBar *bar = browsing.view()->verticalScrollBar();
     double worst = 0;
     while (bar->value() < bar->maximum()) {
         const double taken = elapsed([&] {
-            bar->setValue(bar->value() + step);
+            step(browsing);
             browsing.watch().waitForPaint();
         });
         worst = std::max(worst, taken);
@@ -108,51 +139,43 @@ double worstStep(Browsing &browsing, int step)
     return worst;
 }
 
+/// To the second pair of a block's pictures and, not counted, back to the first.
+double turnPictures(Browsing &browsing, const EntryBlock &block)
+{
+    ButtonItem *right = findButton(block.childItems(), ButtonKind::Right);
+    const double taken = elapsed([&] { browsing.press(right); });
+    browsing.press(findButton(block.childItems(), ButtonKind::Left));
+    return taken;
+}
+
+QList<Operation> turning(Browsing &browsing)
+{
+    browsing.search({ BenchCatalogue::FullClass, u"Datum"_s, false, false });
+    const EntryBlock *block = browsing.results().blocks().first();
+    browsing.press(findButton(block->childItems(), ButtonKind::Right));
+    const QList<ShownPicture> pair = shownPictures(browsing, block->childItems());
+    browsing.press(findButton(block->childItems(), ButtonKind::Left));
+    return {
+        { u"arrow"_s, [&browsing, block] { return turnPictures(browsing, *block); } },
+        { u"arrow floor"_s, [pair] { return elapsed([&pair] { decodePlainly(pair); }); } },
+    };
+}
+
 } // namespace
 
 Timings measurePages(int repetitions)
 {
     Browsing browsing;
-    return measure(firstPages(browsing) + furtherPages(browsing), repetitions);
+    return measure(pages(browsing) + drawnAgain(browsing), repetitions);
 }
 
 Timings measureCanvas(int repetitions)
 {
     Browsing browsing;
-    browsing.search(searchOf(BenchCatalogue::LongClass, u"Datum"_s, false, true));
-    const QList<EntryBlock *> blocks = browsing.results().blocks();
-    const auto full = std::find_if(
-        blocks.begin(), blocks.end(), [](EntryBlock *block) { return block->card().pictures.size() >= 4; });
-    EntryBlock *block = full == blocks.end() ? nullptr : *full;
-    if (!block) {
-        qFatal("No entry of the page has four pictures.");
-    }
-    browsing.view()->centerOn(block);
-    browsing.view()->viewport()->update(); // it may have stood there already
-    browsing.watch().waitForPaint();
-    const QSize shown(322, 215);
-    const QList<PicturePaths> pictures = block->card().pictures;
-    const QList<Operation> turning {
-        { u"arrow"_s,
-            [&browsing, block] {
-                ButtonItem *right = findButton(block->childItems(), ButtonKind::Right);
-                const double taken = elapsed([&] { browsing.press(right); });
-                browsing.press(findButton(block->childItems(), ButtonKind::Left));
-                return taken;
-            } },
-        { u"arrow floor"_s,
-            [pictures, shown] {
-                return elapsed([&] {
-                    decodePlainly(pictures.at(2).copy, shown);
-                    decodePlainly(pictures.at(3).copy, shown);
-                });
-            } },
-    };
-    Timings timings = measure(turning, 3 * repetitions);
+    Timings timings = measure(turning(browsing), 3 * repetitions);
     const QList<Operation> scrolling {
-        { u"wheel step"_s, [&browsing] { return worstStep(browsing, WheelStep); } },
-        { u"page step"_s,
-            [&browsing] { return worstStep(browsing, browsing.view()->verticalScrollBar()->pageStep()); } },
+        { u"wheel step"_s, [&browsing] { return worstStep(browsing, turnWheel); } },
+        { u"page step"_s, [&browsing] { return worstStep(browsing, pressPageDown); } },
     };
     timings.insert(measure(scrolling, std::max(3, repetitions / 3)));
     return timings;

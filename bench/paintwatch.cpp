@@ -34,6 +34,9 @@ void PaintWatch::waitForPaint()
 bool PaintWatch::eventFilter(QObject *watched, QEvent *event)
 {
     Q_UNUSED(watched)
-    m_paints += event->type() == QEvent::Paint ? 1 : 0;
+    if (event->type() == QEvent::Paint) {
+        ++m_paints;
+        m_lastPaint = nowMs();
+    }
     return false;
 }

@@ -14,8 +14,12 @@ public:
     /// to measure.
     void waitForPaint();
 
+    /// When the last paint began, on the clock of nowMs().
+    [[nodiscard]] double lastPaint() const { return m_lastPaint; }
+
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
     int m_paints = 0;
+    double m_lastPaint = 0;
 };

@@ -64,6 +64,7 @@ QList<SourcePhoto> sourcePhotos(bool isQuick)
 {
     QList<SourcePhoto> photos {
         { u"24 megapixels.jpg"_s, QSize(6000, 4000), SourcePhoto::Jpeg },
+        { u"24 megapixels, 6001 x 4001.jpg"_s, QSize(6001, 4001), SourcePhoto::Jpeg },
         { u"20 megapixels.jpg"_s, QSize(5472, 3648), SourcePhoto::Jpeg },
         { u"24 megapixels, progressive.jpg"_s, QSize(6000, 4000), SourcePhoto::Progressive },
         { u"24 megapixels.png"_s, QSize(6000, 4000), SourcePhoto::Png },
@@ -75,22 +76,29 @@ QList<SourcePhoto> sourcePhotos(bool isQuick)
     return photos;
 }
 
+/// Sizes of cameras, old and new, and exact multiples of a copy's, where the decoder alone makes the copy.
+QList<SourcePhoto> qualityPhotos(bool isQuick)
+{
+    QList<SourcePhoto> photos = sourcePhotos(isQuick);
+    for (const QSize &size : { QSize(1500, 1000), QSize(1600, 1200), QSize(2700, 1800), QSize(2816, 2112),
+             QSize(3000, 2000), QSize(3008, 2000), QSize(3456, 5184), QSize(5616, 3744), QSize(6016, 4016) }) {
+        photos.append({ u"%1 x %2.jpg"_s.arg(size.width()).arg(size.height()), size, SourcePhoto::Jpeg });
+    }
+    photos.append({ u"3008 x 2000.png"_s, QSize(3008, 2000), SourcePhoto::Png });
+    return photos;
+}
+
 bool makeSourcePhotos(const QString &folder, bool isQuick)
 {
     QDir().mkpath(folder);
     const Motif motif = planSample(50, Seed).pictures.first().motif;
-    QImage painted;
-    const QList<SourcePhoto> photos = sourcePhotos(isQuick);
+    const QList<SourcePhoto> photos = qualityPhotos(isQuick);
     return std::all_of(photos.begin(), photos.end(), [&](const SourcePhoto &photo) {
         const QString path = folder + u'/' + photo.name;
         if (QFile::exists(path)) {
             return true;
         }
-        if (painted.isNull()) {
-            painted = paintPhotograph(motif);
-        }
-        QImage image = painted.scaled(photo.size, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
-        image.convertTo(QImage::Format_RGB32);
+        QImage image = paintPhotograph(motif, photo.size);
         addGrain(image, 8, Seed);
         return write(image, path, photo.kind);
     });

@@ -12,10 +12,14 @@ struct SourcePhoto
     enum Kind { Jpeg, Progressive, Png } kind = Jpeg;
 };
 
-/// All that are measured; `isQuick` leaves out those above 50 megapixels.
+/// All whose capture is timed; `isQuick` leaves out those above 50 megapixels.
 [[nodiscard]] QList<SourcePhoto> sourcePhotos(bool isQuick);
 
-/// Makes those that are missing in `folder`. False when one could not be written.
+/// Those, and the further ones whose copies are compared with the source.
+[[nodiscard]] QList<SourcePhoto> qualityPhotos(bool isQuick);
+
+/// Makes those of both that are missing in `folder`: painted at their own size, with edges as sharp as pixels allow.
+/// False when one could not be written.
 [[nodiscard]] bool makeSourcePhotos(const QString &folder, bool isQuick);
 
 /// Makes `count` copies of 750 x 500 pixels (some upright) in `folder`, unless they are there.

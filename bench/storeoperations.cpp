@@ -48,18 +48,29 @@ int addEntry()
     return id;
 }
 
-void deletePlainly(int entryId)
+enum class Copies { Removed, Left };
+
+void deletePlainly(int entryId, Copies copies)
 {
     const QString id = QString::number(entryId);
     QSqlQuery query;
     must(query.exec(u"BEGIN IMMEDIATE"_s));
     must(query.exec(u"SELECT * FROM loc_picture WHERE locpictureid = "_s + id));
     while (query.next()) {
-        QFile::remove(query.record().value(u"pictAuxPath"_s).toString());
+        const QString path = query.record().value(u"pictAuxPath"_s).toString();
+        if (copies == Copies::Removed) {
+            QFile::remove(path);
+        }
     }
     must(query.exec(u"DELETE FROM loc_picture WHERE locpictureid = "_s + id));
     must(query.exec(u"DELETE FROM loc_seen WHERE id = "_s + id));
     must(query.exec(u"COMMIT"_s));
+}
+
+double plainDeletion(Copies copies)
+{
+    const int id = addEntry(); // writes the files of the last one again
+    return elapsed([=] { deletePlainly(id, copies); });
 }
 
 } // namespace
@@ -75,11 +86,8 @@ Timings measureStore(int repetitions)
                     const int id = addEntry();
                     return elapsed([id] { must(removeEntry(id).done); });
                 } },
-            { u"deletion floor"_s,
-                [] {
-                    const int id = addEntry();
-                    return elapsed([id] { deletePlainly(id); });
-                } },
+            { u"deletion floor"_s, [] { return plainDeletion(Copies::Left); } },
+            { u"deletion floor with files"_s, [] { return plainDeletion(Copies::Removed); } },
         },
         repetitions);
 }

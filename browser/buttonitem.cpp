@@ -49,9 +49,9 @@ QPixmap buttonPixmap(ButtonKind kind)
     }
     const SizeChoice intoBox
         = [kind, scale](const QSize &size) { return size.scaled(buttonBox(kind) * scale, Qt::KeepAspectRatio); };
-    QImage image = loadPicture(buttonImage(kind), intoBox);
+    QImage image = loadPicture(buttonImage(kind), intoBox, Reduction::Sharp);
     if (image.isNull()) {
-        image = loadPicture(u":/images/%1"_s.arg(QLatin1StringView(lookOf(kind).image)), intoBox);
+        image = loadPicture(u":/images/%1"_s.arg(QLatin1StringView(lookOf(kind).image)), intoBox, Reduction::Sharp);
     }
     image.setDevicePixelRatio(scale);
     pixmap = QPixmap::fromImage(image);
@@ -83,7 +83,6 @@ ButtonItem::ButtonItem(ButtonKind kind, int entryId, const QString &key, QGraphi
     , m_key(key)
 {
     setFlag(ItemIsFocusable);
-    setShapeMode(BoundingRectShape); // a click between the strokes of an image is still a click on the button
     setTransformationMode(Qt::SmoothTransformation);
     setCursor(Qt::PointingHandCursor);
     setToolTip(buttonName(kind));
@@ -94,13 +93,23 @@ QRectF ButtonItem::boundingRect() const
     return FocusFrame::around(QRectF({ 0, 0 }, buttonBox(m_kind)));
 }
 
+QPainterPath ButtonItem::shape() const
+{
+    QPainterPath box; // whole, for a click between the strokes of an image is still a click on the button
+    box.addRect(QRectF({ 0, 0 }, buttonBox(m_kind)));
+    return box;
+}
+
 void ButtonItem::paint(QPainter *painter, const QStyleOptionGraphicsItem *option, QWidget *widget)
 {
     Q_UNUSED(option)
     Q_UNUSED(widget)
     painter->setRenderHint(QPainter::SmoothPixmapTransform);
-    painter->drawPixmap(onDevicePixel(*painter, {}), pixmap());
+    const QRectF box({ 0, 0 }, buttonBox(m_kind));
+    QRectF image({ 0, 0 }, pixmap().deviceIndependentSize());
+    image.moveCenter(box.center()); // one of another shape leaves a part of the box free
+    painter->drawPixmap(onDevicePixel(*painter, image.topLeft()), pixmap());
     if (hasFocus()) {
-        FocusFrame::paint(painter, QRectF({ 0, 0 }, buttonBox(m_kind)));
+        FocusFrame::paint(painter, box);
     }
 }

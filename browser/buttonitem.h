@@ -31,6 +31,9 @@ public:
     [[nodiscard]] QString key() const { return m_key; }
 
     [[nodiscard]] QRectF boundingRect() const override;
+
+    /// The kind's box: neither the margin for the focus mark nor what a dense screen makes of the image is the button.
+    [[nodiscard]] QPainterPath shape() const override;
     void paint(QPainter *painter, const QStyleOptionGraphicsItem *option, QWidget *widget) override;
 
 private:

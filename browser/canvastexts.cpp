@@ -59,6 +59,11 @@ QString CanvasTexts::progressLabel(int entries, int position, bool once)
     return tr("%1 %2 Einträge laden...").arg(pageLabel(entries, position, once), QString::number(entries));
 }
 
+QString CanvasTexts::listingProgressLabel(int entries)
+{
+    return tr("%1 Einträge laden...").arg(entries);
+}
+
 QString CanvasTexts::resultCaption(int entries, const QString &modelName)
 {
     const QString noun = entries == 1 ? tr("Eintrag") : tr("Einträge");

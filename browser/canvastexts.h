@@ -18,6 +18,9 @@ namespace CanvasTexts {
 /// Begins with a blank when the page label is empty.
 [[nodiscard]] QString progressLabel(int entries, int position, bool once);
 
+/// While all entries of one number are loaded, which has no pages.
+[[nodiscard]] QString listingProgressLabel(int entries);
+
 /// "41 Einträge der Baureihe Re 4/4"; the count is that of the class, not of the filtered result.
 [[nodiscard]] QString resultCaption(int entries, const QString &modelName);
 

@@ -75,7 +75,9 @@ void CanvasView::keyPressEvent(QKeyEvent *event)
     case Qt::Key_Enter:
     case Qt::Key_Space:
         if (focused) {
-            canvas()->activate(focused);
+            if (!event->isAutoRepeat()) { // a key held down would answer the question and ask it again
+                canvas()->activate(focused);
+            }
             done = true;
         }
         break;

@@ -5,6 +5,7 @@
 #include "store/colorsetting.h"
 
 #include <QPainter>
+#include <QStyleOptionGraphicsItem>
 
 #include <algorithm>
 
@@ -32,7 +33,9 @@ EntryBlock::EntryBlock(const EntryCard &card, int number)
     : m_card(card)
     , m_colors(ColorSetting::instance().scheme())
     , m_number(number)
-{ }
+{
+    setFlag(ItemUsesExtendedStyleOption); // to be told which part is exposed
+}
 
 void EntryBlock::layOut()
 {
@@ -79,8 +82,12 @@ QRectF EntryBlock::boundingRect() const
 
 void EntryBlock::paint(QPainter *painter, const QStyleOptionGraphicsItem *option, QWidget *widget)
 {
-    Q_UNUSED(option)
     Q_UNUSED(widget)
+    const double edge = CornerRadius;
+    if (boundingRect().adjusted(edge, edge, -edge, -edge).contains(option->exposedRect)) {
+        painter->fillRect(option->exposedRect, m_colors.ground); // other pictures, say: no edge to be smoothed
+        return;
+    }
     painter->setRenderHint(QPainter::Antialiasing);
     painter->setPen(QPen(m_colors.frame, 1));
     painter->setBrush(m_colors.ground);

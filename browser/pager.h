@@ -16,6 +16,12 @@ public:
 
     void countBlock() { ++m_blocks; }
 
+    /// The 1-based position with which the last page of `rows` rows begins, outside of once mode.
+    [[nodiscard]] static constexpr int lastPageStart(int rows)
+    {
+        return rows < 1 ? 1 : (rows - 1) / PageSize * PageSize + 1;
+    }
+
     /// Whether the page ends behind the row just taken. In once mode it runs on until enough numbers are drawn, and
     /// further while the next row has the same number, so that one number is not split over two pages.
     [[nodiscard]] bool endsPage(bool nextHasSameNumber);

@@ -8,15 +8,24 @@
 #include <QCoreApplication>
 #include <QPainter>
 
+#include <utility>
+
 using namespace Qt::StringLiterals;
 
 namespace {
 
 constexpr int Mat = 5; // white edge around the photograph, in pixels
-constexpr QSize PlaceholderSize(300, 200);
+constexpr QSize PlaceholderSize(480, 320);
 constexpr QSize SmallestFrame(40, 40); // a photograph of a few pixels can still be seen and clicked
 constexpr QColor NoticeColor(86, 72, 52);
 const QString PlaceholderImage = u":/images/placeholder.png"_s;
+
+/// On whole pixels, so that nothing is blurred.
+QRect centredIn(const QRect &outer, const QSize &inner)
+{
+    return { outer.topLeft() + QPoint((outer.width() - inner.width()) / 2, (outer.height() - inner.height()) / 2),
+        inner };
+}
 
 } // namespace
 
@@ -29,13 +38,14 @@ Picture::Picture(const PicturePaths &paths, const QSize &box, QGraphicsItem *par
     const QSize size = pictureSize(paths.copy);
     m_isPlaceholder = size.isEmpty();
     const QSize shown = fittedInto(m_isPlaceholder ? PlaceholderSize : size, room);
-    const QSize frame = (shown + QSize(2 * Mat, 2 * Mat)).expandedTo(SmallestFrame);
-    const auto centred = [](const QSize &inner, const QSize &outer) { // on whole pixels, so that nothing is blurred
-        return QPoint((outer.width() - inner.width()) / 2, (outer.height() - inner.height()) / 2);
-    };
-    const QPoint corner = centred(frame, box);
-    m_frame = QRect(corner, frame);
-    m_area = QRect(corner + centred(shown, frame), shown);
+    m_frame = centredIn(QRect({ 0, 0 }, box), (shown + QSize(2 * Mat, 2 * Mat)).expandedTo(SmallestFrame));
+    place(shown);
+}
+
+/// Puts what is shown, photograph or placeholder, into the middle of the frame.
+void Picture::place(const QSize &shown)
+{
+    m_area = centredIn(m_frame, shown);
     setToolTip(m_isPlaceholder
             ? QCoreApplication::translate("Picture", "Die Kopie dieses Bildes fehlt oder ist nicht lesbar.")
             : QCoreApplication::translate("Picture", "Doppelklick öffnet das Original."));
@@ -51,6 +61,13 @@ QRectF Picture::boundingRect() const
     return FocusFrame::around(m_frame);
 }
 
+QPainterPath Picture::shape() const
+{
+    QPainterPath path;
+    path.addRect(m_frame);
+    return path;
+}
+
 void Picture::paint(QPainter *painter, const QStyleOptionGraphicsItem *option, QWidget *widget)
 {
     Q_UNUSED(option)
@@ -61,9 +78,9 @@ void Picture::paint(QPainter *painter, const QStyleOptionGraphicsItem *option, Q
     }
     painter->setPen(QPen(QColor(0, 0, 0, 110), 1));
     painter->setBrush(Qt::white);
-    painter->drawRect(m_frame.adjusted(0.5, 0.5, -0.5, -0.5));
+    painter->drawRect(frame().adjusted(0.5, 0.5, -0.5, -0.5));
     painter->setRenderHint(QPainter::SmoothPixmapTransform);
-    painter->drawPixmap(onDevicePixel(*painter, m_area.topLeft()), m_pixmap);
+    painter->drawPixmap(onDevicePixel(*painter, QRectF(m_area).topLeft()), m_pixmap);
     if (m_isPlaceholder) {
         paintNotice(painter);
     }
@@ -74,21 +91,33 @@ void Picture::paint(QPainter *painter, const QStyleOptionGraphicsItem *option, Q
 
 void Picture::decode(double scale)
 {
-    const SizeChoice wanted = [this, scale](const QSize &) { return (m_area.size() * scale).toSize(); };
-    QImage image = m_isPlaceholder ? QImage() : loadPicture(m_paths.copy, wanted);
+    const SizeChoice wanted = [this, scale](const QSize &) { return m_area.size() * scale; };
+    QImage image = m_isPlaceholder ? QImage() : loadPicture(m_paths.copy, wanted, Reduction::Quick);
     if (image.isNull()) {
-        m_isPlaceholder = true; // the header was fine, the rest is not
-        image = loadPicture(PlaceholderImage, wanted);
+        if (!std::exchange(m_isPlaceholder, true)) { // the header was fine, the rest is not
+            place(fittedInto(PlaceholderSize, m_frame.size() - QSize(2 * Mat, 2 * Mat)));
+        }
+        image = loadPicture(PlaceholderImage, wanted, Reduction::Quick);
     }
     m_pixmap = QPixmap::fromImage(image);
     m_pixmap.setDevicePixelRatio(scale);
 }
 
-/// Below the drawing, so that a missing photograph is not taken for a painted one.
+/// Below the drawing, so that a missing photograph is not taken for a painted one: in the picture's own foot, else in
+/// the frame beneath. Where neither has room, the tool tip tells it.
 void Picture::paintNotice(QPainter *painter) const
 {
-    const QRectF foot = m_area.adjusted(0, m_area.height() * 0.74, 0, -m_area.height() * 0.1);
+    const QString notice = QCoreApplication::translate("Picture", "Bild nicht lesbar");
     painter->setFont(ColorSetting::instance().fontAt(5));
     painter->setPen(NoticeColor);
-    painter->drawText(foot, Qt::AlignCenter, QCoreApplication::translate("Picture", "Bild nicht lesbar"));
+    const QSize needed = painter->fontMetrics().size(Qt::TextSingleLine, notice);
+    const QRectF area(m_area);
+    const QRectF foot = area.adjusted(0, area.height() * 0.74, 0, -area.height() * 0.1);
+    const QRectF beneath(area.left(), area.bottom(), area.width(), frame().bottom() - area.bottom() - Mat);
+    for (const QRectF &room : { foot, beneath }) {
+        if (room.width() >= needed.width() && room.height() >= needed.height()) {
+            painter->drawText(room, Qt::AlignCenter, notice);
+            return;
+        }
+    }
 }

@@ -35,16 +35,20 @@ public:
     [[nodiscard]] QRectF frame() const { return m_frame; }
 
     [[nodiscard]] QRectF boundingRect() const override;
+
+    /// The frame, without the margin for the focus mark.
+    [[nodiscard]] QPainterPath shape() const override;
     void paint(QPainter *painter, const QStyleOptionGraphicsItem *option, QWidget *widget) override;
 
 private:
+    void place(const QSize &shown);
     void decode(double scale);
     void paintNotice(QPainter *painter) const;
 
     PicturePaths m_paths;
     QString m_name;
     bool m_isPlaceholder;
-    QRectF m_frame;
-    QRectF m_area; // of the photograph inside the frame
+    QRect m_frame;
+    QRect m_area; // of the photograph inside the frame
     QPixmap m_pixmap;
 };

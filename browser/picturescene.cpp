@@ -78,39 +78,14 @@ void PictureScene::showNumber(int modelId, const QString &number)
     drawListing();
 }
 
-void PictureScene::redraw()
-{
-    const std::optional<FocusPlace> place = focusPlace(focusItem(), m_blocks);
-    if (m_listing) {
-        drawListing();
-    } else {
-        m_position = m_pageStart;
-        m_numbersShown = m_numbersOfEarlierPages; // else numbers of the first page would come up again on the second
-        drawPage();
-    }
-    restoreFocus(place);
-}
-
-void PictureScene::redrawAfterChangeElsewhere()
-{
-    const SearchParameters parameters = m_parameters.value_or(SearchParameters());
-    QList<QSqlRecord> list;
-    entriesOfModel(list, parameters.orderClause, parameters.modelId);
-    for (qsizetype i = 0; i < list.size(); ++i) {
-        if (rowId(list.at(i), u"id"_s) == m_firstEntryId) {
-            m_pageStart = int(i) + 1;
-        }
-    }
-    redraw();
-}
-
-void PictureScene::showStartView(const QSqlRecord &picture, const QSqlRecord &entry)
+void PictureScene::showStartView(const QSqlRecord &picture, const QSqlRecord &entry, int storedPictures)
 {
     clearCanvas();
     m_startPicture = true;
     const CatalogQuery &catalog = CatalogQuery::instance();
     const QString modelName = catalog.modelName(rowId(entry, u"locseenid"_s));
-    const QList<QGraphicsItem *> items = startViewItems(picturePaths(picture), entryCard(entry, {}), modelName);
+    const QList<QGraphicsItem *> items
+        = startViewItems(picturePaths(picture), entryCard(entry, {}), modelName, storedPictures);
     for (QGraphicsItem *item : items) {
         addToCanvas(item);
         m_y = std::max(m_y, item->sceneBoundingRect().bottom() + BlockGap);
@@ -146,23 +121,50 @@ QList<QGraphicsItem *> PictureScene::focusItems() const
     return isListing ? m_otherFocusItems + items : items + m_otherFocusItems;
 }
 
-void PictureScene::drawPage()
+void PictureScene::drawPage(bool isRedraw)
 {
     const bool wasBusy = std::exchange(m_busy, true);
     m_startPicture = false;
     clearCanvas();
     const SearchParameters parameters = m_parameters.value_or(SearchParameters());
     ColorSetting::instance().setOnce(parameters.once);
-    const CatalogQuery &catalog = CatalogQuery::instance();
-    drawCaption(CanvasTexts::resultCaption(
-        catalog.countEntriesOfModel(parameters.modelId), catalog.modelName(parameters.modelId)));
-    m_numbersOfEarlierPages = m_numbersShown;
     QList<QSqlRecord> list;
     entriesOfModel(list, parameters.orderClause, parameters.modelId);
-    ResultRows rows(list);
+    const QString modelName = CatalogQuery::instance().modelName(parameters.modelId);
+    drawCaption(CanvasTexts::resultCaption(int(list.size()), modelName)); // to count them would be one more walk
+    findReturn(list);
+    if (isRedraw) {
+        stepBack(int(list.size()), parameters.once);
+    }
+    m_numbersOfEarlierPages = m_numbersShown;
+    ResultRows rows(std::move(list), parameters.once ? &m_numbersShown : nullptr);
     drawRows(rows, parameters);
     finishPage();
     m_busy = wasBusy;
+}
+
+/// Puts the position on the entry that the page is to begin with, if one was named and is still there.
+void PictureScene::findReturn(const QList<QSqlRecord> &list)
+{
+    const int id = std::exchange(m_returnTo, 0);
+    for (qsizetype i = 0; i < list.size() && id != 0; ++i) {
+        if (rowId(list.at(i), u"id"_s) == id) {
+            m_position = int(i) + 1;
+        }
+    }
+}
+
+/// Deletions may have left nothing behind the page's start; then the page that now ends the result is drawn. Where that
+/// begins in once mode is not known, and the numbers of earlier pages would leave it empty: the result begins anew.
+void PictureScene::stepBack(int rows, bool once)
+{
+    if (rows == 0 || m_position <= rows) {
+        return;
+    }
+    m_position = once ? 1 : Pager::lastPageStart(rows);
+    if (once) {
+        m_numbersShown.clear();
+    }
 }
 
 void PictureScene::drawRows(ResultRows &rows, const SearchParameters &parameters)
@@ -194,19 +196,20 @@ void PictureScene::drawRows(ResultRows &rows, const SearchParameters &parameters
     }
 }
 
-/// Draws the row's block unless the search leaves it out; true when it was drawn.
+/// Draws the row's block unless the search leaves it out; true when it was drawn. What is already in memory is asked
+/// first: pictures of a row whose number is shown have not been read with the others.
 bool PictureScene::takeRow(ResultRows &rows, int index, const SearchParameters &parameters)
 {
+    const QString number = parameters.once ? rows.number(index) : QString();
+    if (parameters.once && m_numbersShown.contains(number)) {
+        return false;
+    }
     if (parameters.picturesOnly && rows.pictures(index).isEmpty()) {
         return false;
     }
     int entryCount = -1;
     if (parameters.once) {
-        const QString number = rows.number(index);
-        if (m_numbersShown.contains(number)) {
-            return false;
-        }
-        m_numbersShown.append(number);
+        m_numbersShown.insert(number);
         entryCount = rows.entriesWithNumberOf(index);
     }
     drawBlock(rows.row(index), rows.pictures(index), entryCount);
@@ -224,9 +227,9 @@ void PictureScene::drawListing()
         catalog.modelName(m_listing->modelId), m_listing->number));
     QList<QSqlRecord> list;
     catalog.entriesByNumber(list, m_listing->number, m_listing->modelId);
-    ResultRows rows(list);
+    ResultRows rows(std::move(list));
     m_y = FirstBlockTop;
-    LoadProgress progress(CanvasTexts::progressLabel(rows.size(), m_position, false), rows.size(), window());
+    LoadProgress progress(CanvasTexts::listingProgressLabel(rows.size()), rows.size(), window());
     for (int i = 0; i < rows.size() && progress.advance(i); ++i) {
         drawBlock(rows.row(i), rows.pictures(i), -1);
     }

@@ -3,8 +3,9 @@
 #include "browser/searchparameters.h"
 
 #include <QGraphicsScene>
+#include <QSet>
 #include <QSqlRecord>
-#include <QStringList>
+#include <QString>
 
 #include <functional>
 #include <optional>
@@ -35,14 +36,15 @@ public:
     /// Lists all entries of the class with this running number, in place of search results.
     void showNumber(int modelId, const QString &number);
 
-    /// Draws the present page, or the number listing, again from the same entry on.
+    /// Draws the present page, or the number listing, again from the same entry on. Where deletions have left no entry
+    /// there, the page that now ends the result is drawn.
     void redraw();
 
     /// The same after entries were changed on another canvas: the page still begins with the entry that it began with,
     /// even if rows before it have gone.
     void redrawAfterChangeElsewhere();
 
-    void showStartView(const QSqlRecord &picture, const QSqlRecord &entry);
+    void showStartView(const QSqlRecord &picture, const QSqlRecord &entry, int storedPictures);
     [[nodiscard]] bool showsStartPicture() const { return m_startPicture; }
 
     /// Deletes everything that stands on the canvas.
@@ -80,7 +82,9 @@ private:
         QString number;
     };
 
-    void drawPage();
+    void drawPage(bool isRedraw = false);
+    void findReturn(const QList<QSqlRecord> &list);
+    void stepBack(int rows, bool once);
     void drawRows(ResultRows &rows, const SearchParameters &parameters);
     bool takeRow(ResultRows &rows, int index, const SearchParameters &parameters);
     void drawListing();
@@ -104,8 +108,9 @@ private:
     int m_position = 1; // 1-based position in the full result of the next entry to show
     int m_pageStart = 1; // the position when the present page was begun
     int m_firstEntryId = 0; // of the row at the page start; 0 when there is none
-    QStringList m_numbersShown; // once mode: on this page and those before it
-    QStringList m_numbersOfEarlierPages;
+    int m_returnTo = 0; // entry that the next page drawn is to begin with; 0 leaves the position as it is
+    QSet<QString> m_numbersShown; // once mode: on this page and those before it
+    QSet<QString> m_numbersOfEarlierPages;
     QList<EntryBlock *> m_blocks; // of the page, in order; the settings object owns all items
     QList<QGraphicsItem *> m_otherFocusItems; // buttons that belong to no block
     double m_y = 0; // where the next block goes

@@ -14,7 +14,7 @@
 
 using namespace Qt::StringLiterals;
 
-// What the canvas does when something on it is pressed.
+// What the canvas does when something on it is pressed, and how it is drawn again after a change.
 
 namespace {
 
@@ -138,11 +138,29 @@ void PictureScene::turnPictures(int entryId, const QString &key, int step)
     m_pressed = nullptr; // it may go with the turned pictures
     for (EntryBlock *entryBlock : std::as_const(m_blocks)) {
         if (entryBlock->card().id == entryId) {
-            entryBlock->turnTo(turned);
+            entryBlock->turnTo(turned); // what comes and goes repaints its own part of the canvas
         }
     }
-    update();
     Q_EMIT contentsChanged();
+}
+
+void PictureScene::redraw()
+{
+    const std::optional<FocusPlace> place = focusPlace(focusItem(), m_blocks);
+    if (m_listing) {
+        drawListing();
+    } else {
+        m_position = m_pageStart;
+        m_numbersShown = m_numbersOfEarlierPages; // else numbers of the first page would come up again on the second
+        drawPage(true);
+    }
+    restoreFocus(place);
+}
+
+void PictureScene::redrawAfterChangeElsewhere()
+{
+    m_returnTo = m_firstEntryId;
+    redraw();
 }
 
 void PictureScene::redrawAt(const QPointF &position)

@@ -68,7 +68,7 @@ QString tr(const char *source)
 }
 
 /// The size of the catalogue in three lines from the anchor `at` on.
-QList<QGraphicsItem *> statistics(const QPointF &at, const QColor &color)
+QList<QGraphicsItem *> statistics(const QPointF &at, const QColor &color, int storedPictures)
 {
     const CatalogQuery &catalog = CatalogQuery::instance();
     const auto counts = [](const char *line, int first, int second) {
@@ -78,9 +78,17 @@ QList<QGraphicsItem *> statistics(const QPointF &at, const QColor &color)
         text(tr("Aktueller Bestand:"), 2, color, at),
         text(counts("%1 Baureihen in %2 Gruppen", catalog.countModels(0), catalog.countGroups()), 3, color,
             at + QPointF(0, 18)),
-        text(counts("%1 Bilder in %2 Einträgen", catalog.countStoredPictures(), catalog.countEntries()), 3, color,
-            at + QPointF(0, 36)),
+        text(
+            counts("%1 Bilder in %2 Einträgen", storedPictures, catalog.countEntries()), 3, color, at + QPointF(0, 36)),
     };
+}
+
+/// Class and number; a class that is gone leaves no gap.
+QString locomotive(const QString &modelName, const EntryCard &card, const QString &gap)
+{
+    QStringList parts { modelName, card.number };
+    parts.removeAll(QString());
+    return CanvasTexts::shown(parts.join(gap));
 }
 
 /// Number, class, place, date and comment one below the other; `bottom` becomes the lower edge of the last.
@@ -97,7 +105,7 @@ QList<QGraphicsItem *> details(
         items.append(const_cast<TextItem *>(item));
         y += item->height();
     };
-    addLine(CanvasTexts::shown(modelName + u"  "_s + card.number), 0, colors.accent);
+    addLine(locomotive(modelName, card, u"  "_s), 0, colors.accent);
     const QString place = CanvasTexts::shown(card.place);
     const QString date = CanvasTexts::date(card.seen);
     addLine(place.isEmpty() ? date : u"%1, %2"_s.arg(place, date), 1, colors.text);
@@ -109,14 +117,16 @@ QList<QGraphicsItem *> details(
 
 } // namespace
 
-QList<QGraphicsItem *> startViewItems(const PicturePaths &paths, const EntryCard &card, const QString &modelName)
+QList<QGraphicsItem *> startViewItems(
+    const PicturePaths &paths, const EntryCard &card, const QString &modelName, int storedPictures)
 {
     const CardColors colors(ColorSetting::instance().scheme());
     QList<QGraphicsItem *> items;
 
     // The frame follows the photograph; photograph and plate share the middle axis of the canvas.
     auto *photo = new Picture(paths, PhotoBox);
-    photo->setName(tr("Foto von %1").arg(CanvasTexts::shown(modelName + u' ' + card.number)));
+    const QString subject = locomotive(modelName, card, u" "_s);
+    photo->setName(subject.isEmpty() ? tr("Foto") : tr("Foto von %1").arg(subject));
     auto *frame = new StartFrame(photo->frame().size());
     const double middle = EntryBlock::Left + EntryBlock::Width / 2.0;
     frame->setPos(std::floor(middle - frame->size().width() / 2), Top);
@@ -131,6 +141,6 @@ QList<QGraphicsItem *> startViewItems(const PicturePaths &paths, const EntryCard
     bottom = std::max(bottom, anchor.y() + StatisticsHeight);
     auto *plate = new Plate({ double(EntryBlock::Width), std::ceil(bottom + Padding - plateTop) }, colors);
     plate->setPos(EntryBlock::Left, plateTop);
-    items << plate << lines << statistics(anchor, colors.text);
+    items << plate << lines << statistics(anchor, colors.text, storedPictures);
     return items;
 }

@@ -49,7 +49,7 @@ void ViewHolder::paintBackground()
 
 void ViewHolder::showNumberListing(int entryId)
 {
-    m_resultsCentre = m_view->mapToScene(m_view->viewport()->rect().center());
+    m_resultsCentre = m_view->mapToScene(m_view->viewport()->rect()).boundingRect().center(); // to the half pixel
     const bool isKeyboardUsed = results().focusItem() != nullptr;
     if (m_canvases.size() == 1) {
         m_canvases.push_back(std::make_unique<PictureScene>());

@@ -8,6 +8,7 @@
 #include <QDialogButtonBox>
 #include <QGroupBox>
 #include <QLabel>
+#include <QLineEdit>
 #include <QPushButton>
 
 using namespace Qt::StringLiterals;
@@ -15,6 +16,23 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr int ButtonMargin = 16; // pixels beside the text, beyond what the style gives
+constexpr int BoxButtonMargin = 10; // three of them have to fit under a preview
+
+/// Gives the buttons one width and leaves the room behind them free.
+QLayout *lineUp(QBoxLayout *layout, const QList<QPushButton *> &buttons)
+{
+    int width = 0;
+    for (QPushButton *button : buttons) {
+        button->setFont(dialogFont()); // else the width is that of another font
+        width = qMax(width, button->sizeHint().width());
+    }
+    for (QPushButton *button : buttons) {
+        button->setMinimumWidth(width + ButtonMargin);
+        layout->addWidget(button);
+    }
+    layout->addStretch();
+    return layout;
+}
 
 } // namespace
 
@@ -24,6 +42,21 @@ QGroupBox *FormParts::groupBox(const QString &title, const QString &objectName)
     box->setObjectName(objectName);
     box->setFont(dialogFont());
     return box;
+}
+
+void FormParts::keepReadable(QWidget *field)
+{
+    QPalette palette = field->palette();
+    palette.setColor(QPalette::Disabled, QPalette::Text, palette.color(QPalette::Active, QPalette::Text));
+    field->setPalette(palette);
+}
+
+void FormParts::showOnly(QLineEdit *field)
+{
+    field->setReadOnly(true);
+    QPalette palette = field->palette();
+    palette.setColor(QPalette::Base, palette.color(QPalette::Active, QPalette::Window));
+    field->setPalette(palette);
 }
 
 QLabel *FormParts::label(const QString &text, QWidget *buddy)
@@ -47,26 +80,28 @@ QPushButton *FormParts::disabledButton(const QString &text, const QString &objec
     return made;
 }
 
+void FormParts::explain(QWidget *button, const QString &text)
+{
+    button->setToolTip(text);
+    button->setAccessibleDescription(text);
+}
+
 QLayout *FormParts::buttonRow(const QList<QPushButton *> &buttons)
 {
-    int width = 0;
-    for (QPushButton *button : buttons) {
-        button->setFont(dialogFont()); // else the width is that of another font
-        width = qMax(width, button->sizeHint().width());
-    }
-    auto *row = new QHBoxLayout;
-    for (QPushButton *button : buttons) {
-        button->setMinimumWidth(width + ButtonMargin);
-        row->addWidget(button);
-    }
-    row->addStretch();
-    return row;
+    return lineUp(new QHBoxLayout, buttons);
+}
+
+QLayout *FormParts::buttonColumn(const QList<QPushButton *> &buttons)
+{
+    return lineUp(new QVBoxLayout, buttons);
 }
 
 QDialogButtonBox *FormParts::buttonBox(const QList<QPushButton *> &buttons)
 {
     auto *box = new QDialogButtonBox;
     for (QPushButton *button : buttons) {
+        button->setFont(dialogFont()); // else the width is that of another font
+        button->setMinimumWidth(button->sizeHint().width() + BoxButtonMargin);
         box->addButton(button, QDialogButtonBox::ActionRole); // all the same role: they stay in this order
     }
     return box;

@@ -24,6 +24,11 @@ QString groupPictureFolder()
     return u"AuxFolder"_s; // keeps group pictures out of the numbered folders and of the statistics
 }
 
+QString missingGroupText()
+{
+    return LocGroupForm::tr("Die Gruppe ist nicht mehr vorhanden, sie wurde inzwischen gelöscht.");
+}
+
 } // namespace
 
 LocGroupForm::LocGroupForm(QWidget *parent)
@@ -35,7 +40,7 @@ LocGroupForm::LocGroupForm(QWidget *parent)
 LocGroupForm::LocGroupForm(int modelId, const QString &modelName, QWidget *parent)
     : QDialog(parent)
     , m_modelId(modelId)
-    , m_modelName(modelName)
+    , m_modelName(shownText(modelName))
 {
     buildMove();
 }
@@ -73,12 +78,16 @@ void LocGroupForm::moveToGroup()
     if (groupId == 0) {
         return;
     }
-    const WriteOutcome outcome
-        = executeWrite(u"UPDATE loc_model SET locid = :lid WHERE id = %1"_s.arg(m_modelId), { { u":lid"_s, groupId } });
-    if (outcome.done) {
-        m_saveButton->setEnabled(false); // the sign that the class has moved
-    } else {
+    const NeededRow group { u"SELECT COUNT(*) FROM locomotive WHERE id = %1"_s.arg(groupId), missingGroupText() };
+    const WriteOutcome outcome = executeWrite(
+        u"UPDATE loc_model SET locid = :lid WHERE id = %1"_s.arg(m_modelId), { { u":lid"_s, groupId } }, group);
+    if (!outcome.done) {
         MessageBox::information(this, tr("DB-Update"), outcome.errorText);
+    } else if (outcome.rows == 0) {
+        MessageBox::information(
+            this, tr("DB-Update"), tr("Die Baureihe ist nicht mehr vorhanden, sie wurde inzwischen gelöscht."));
+    } else {
+        m_saveButton->setEnabled(false); // the sign that the class has moved
     }
 }
 
@@ -125,8 +134,8 @@ void LocGroupForm::changeLocPicture()
     }
     const WriteOutcome outcome = executeWrite(
         u"UPDATE locomotive SET pictPath = :pict WHERE id = %1"_s.arg(groupId), { { u":pict"_s, path } });
-    if (!outcome.done) {
-        MessageBox::information(this, tr("DB-Update"), outcome.errorText);
+    if (!outcome.done || outcome.rows == 0) {
+        MessageBox::information(this, tr("DB-Update"), outcome.done ? missingGroupText() : outcome.errorText);
         dropPicture(pictureId, path);
     }
     m_groupList->refresh();

@@ -21,7 +21,7 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr QSize MaintenanceSize(900, 540);
-constexpr QSize MoveSize(540, 440);
+constexpr QSize MoveSize(600, 440);
 constexpr int NameColumnWidth = 200;
 
 } // namespace
@@ -45,9 +45,10 @@ void LocGroupForm::buildMove()
     QGroupBox *box = groupBox(tr("Baureihe verschieben"), u"groupBox"_s);
     m_nameEdit = new QLineEdit(m_modelName);
     m_nameEdit->setObjectName(u"modelNameEdit"_s);
-    m_nameEdit->setReadOnly(true);
+    showOnly(m_nameEdit);
     m_nameEdit->setCursorPosition(0);
     m_saveButton = disabledButton(tr("Speichern"), u"saveButton"_s);
+    explain(m_saveButton, tr("Verschiebt die Baureihe in die Gruppe, die in der Liste gewählt ist."));
     m_rowButtons = { m_saveButton };
     connect(m_saveButton, &QPushButton::clicked, this, &LocGroupForm::moveToGroup);
 
@@ -69,6 +70,7 @@ QLayout *LocGroupForm::buildNameRow()
     m_nameEdit->setObjectName(u"nameEdit"_s);
     InputGuards::keepOnOneLine(m_nameEdit);
     m_saveButton = disabledButton(tr("Speichern"), u"saveButton"_s);
+    explain(m_saveButton, tr("Eine neue Gruppe braucht einen Namen und ein Bild."));
     connect(m_nameEdit, &QLineEdit::textEdited, this, &LocGroupForm::checktextEdits);
     connect(m_saveButton, &QPushButton::clicked, this, &LocGroupForm::addGroup);
 
@@ -96,6 +98,8 @@ QGroupBox *LocGroupForm::buildMaintainedList()
     QGroupBox *box = buildList();
     QPushButton *models = disabledButton(tr("Baureihen"), u"modelsButton"_s);
     QPushButton *remove = disabledButton(tr("Gruppe entfernen"), u"deleteButton"_s);
+    explain(models, tr("Öffnet die Baureihen der Gruppe, die in der Liste gewählt ist."));
+    explain(remove, tr("Entfernt die Gruppe, die in der Liste gewählt ist."));
     m_rowButtons.append({ models, remove });
     connect(models, &QPushButton::clicked, this, &LocGroupForm::editLocModel);
     connect(remove, &QPushButton::clicked, this, &LocGroupForm::deleteGroup);
@@ -111,6 +115,9 @@ QLayout *LocGroupForm::buildPictureColumn()
     QPushButton *show = disabledButton(tr("Bild zeigen"), u"showPictureButton"_s);
     m_assignButton = disabledButton(tr("Bild zuweisen"), u"assignPictureButton"_s);
     m_changeButton = disabledButton(tr("Bild austauschen"), u"changePictureButton"_s);
+    explain(show, tr("Zeigt das Bild der Gruppe, die in der Liste gewählt ist."));
+    explain(m_assignButton, tr("Wählt das Bild der neuen Gruppe; ihr Name kommt zuerst."));
+    explain(m_changeButton, tr("Gibt der Gruppe, die in der Liste gewählt ist, ein anderes Bild."));
     m_rowButtons.append({ show, m_changeButton });
     connect(show, &QPushButton::clicked, this, &LocGroupForm::showLocPicture);
     connect(m_assignButton, &QPushButton::clicked, this, &LocGroupForm::newLocPicture);
@@ -118,7 +125,9 @@ QLayout *LocGroupForm::buildPictureColumn()
 
     auto *column = new QVBoxLayout;
     column->addWidget(m_preview);
-    column->addWidget(buttonBox({ show, m_assignButton, m_changeButton }));
+    QDialogButtonBox *buttons = buttonBox({ show, m_assignButton, m_changeButton });
+    buttons->setCenterButtons(true);
+    column->addWidget(buttons);
     column->addStretch();
     return column;
 }

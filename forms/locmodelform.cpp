@@ -59,8 +59,10 @@ void LocModelForm::checktextEdits()
 
 void LocModelForm::addModel()
 {
+    const NeededRow group { u"SELECT COUNT(*) FROM locomotive WHERE id = %1"_s.arg(m_groupId),
+        tr("Die Gruppe ist nicht mehr vorhanden, sie wurde inzwischen gelöscht.") };
     const WriteOutcome outcome = executeWrite(u"INSERT INTO loc_model (modelname, locid) VALUES (:modnam, :locid) "_s,
-        { { u":modnam"_s, cutText(m_nameEdit->text(), TextLimit::Name) }, { u":locid"_s, m_groupId } });
+        { { u":modnam"_s, cutText(m_nameEdit->text(), TextLimit::Name) }, { u":locid"_s, m_groupId } }, group);
     if (outcome.done) {
         m_modelList->refresh();
         m_modelList->showRow(outcome.newId);
@@ -135,7 +137,7 @@ void LocModelForm::buildWidgets()
     m_saveButton->setDefault(true);
     setWindowTitle(tr("Baureihen"));
     setWindowIcon(dialogIcon());
-    resize(480, 440);
+    resize(600, 440); // room for a name of 38 characters
 }
 
 QLayout *LocModelForm::buildNameRow()
@@ -144,6 +146,7 @@ QLayout *LocModelForm::buildNameRow()
     m_nameEdit->setObjectName(u"nameEdit"_s);
     InputGuards::keepOnOneLine(m_nameEdit);
     m_saveButton = disabledButton(tr("Speichern"), u"saveButton"_s);
+    explain(m_saveButton, tr("Eine neue Baureihe braucht einen Namen."));
     auto *row = new QHBoxLayout;
     row->addWidget(label(tr("Name der neuen Baureihe:"), m_nameEdit));
     row->addWidget(m_nameEdit, 1);
@@ -157,6 +160,8 @@ QGroupBox *LocModelForm::buildList()
     m_modelList->setObjectName(u"modelList"_s);
     m_moveButton = disabledButton(tr("Baureihe verschieben"), u"moveButton"_s);
     m_deleteButton = disabledButton(tr("Baureihe entfernen"), u"deleteButton"_s);
+    explain(m_moveButton, tr("Verschiebt die Baureihe, die in der Liste gewählt ist, in eine andere Gruppe."));
+    explain(m_deleteButton, tr("Entfernt die Baureihe, die in der Liste gewählt ist."));
 
     QGroupBox *box = groupBox(tr("Liste der Baureihen"), u"listBox"_s);
     auto *layout = new QVBoxLayout(box);

@@ -27,13 +27,12 @@ namespace {
 constexpr QSize SmallestForm(600, 600); // pixels
 constexpr QSize LargestForm(620, 620);
 constexpr QSize PreviewSize(540, 360);
-constexpr qsizetype LongestToolTip = 300; // characters
 
 void showPath(QLineEdit *edit, const QString &path)
 {
-    edit->setText(path);
+    edit->setText(shownText(path));
     edit->setCursorPosition(0);
-    edit->setToolTip(path.isEmpty() ? QString() : Qt::convertFromPlainText(cutText(path, LongestToolTip)));
+    edit->setToolTip(path.isEmpty() ? QString() : Qt::convertFromPlainText(shownText(path)));
 }
 
 bool isTaken(const QString &path)
@@ -156,8 +155,10 @@ QGroupBox *LocPictureForm::buildPictureBox()
     m_originalEdit = new QLineEdit;
     m_copyEdit->setObjectName(u"copyPathEdit"_s);
     m_originalEdit->setObjectName(u"originalPathEdit"_s);
-    m_copyEdit->setEnabled(false);
-    m_originalEdit->setEnabled(false);
+    for (QLineEdit *edit : { m_copyEdit, m_originalEdit }) {
+        edit->setEnabled(false);
+        keepReadable(edit);
+    }
     m_preview = new PicturePreview(nullptr, PreviewSize);
     m_preview->setObjectName(u"preview"_s);
     m_browseButton = button(tr("Bild auswählen"), u"browseButton"_s);
@@ -200,15 +201,19 @@ void LocPictureForm::takeChoice(const QString &path, const QImage &copy)
     m_saveButton->setFocus();
 }
 
+/// The folder for the copy, made again if it was removed by hand meanwhile.
 QString LocPictureForm::copyFolder() const
 {
-    if (!m_targetFolder.isEmpty()) {
-        QDir(u"./Data/Pictures"_s).mkdir(m_targetFolder); // may have been removed by hand
-        return m_targetFolder;
+    QString folder = m_targetFolder;
+    if (folder.isEmpty()) {
+        const PictureStore &store = ColorSetting::instance().pictureStore();
+        folder = store.currentFolder();
+        if (folder.isEmpty()) {
+            return store.makeFolder(1); // there is no numbered folder at all
+        }
     }
-    const PictureStore &store = ColorSetting::instance().pictureStore();
-    const QString folder = store.currentFolder();
-    return folder.isEmpty() ? store.makeFolder(1) : folder; // all numbered folders were removed by hand
+    QDir(u"./Data/Pictures"_s).mkdir(folder);
+    return folder;
 }
 
 /// Between choosing and saving somebody else may have taken the name.

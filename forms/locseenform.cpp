@@ -6,7 +6,6 @@
 #include "search/messagebox.h"
 #include "store/catalogquery.h"
 #include "store/rowvalue.h"
-#include "store/statement.h"
 #include "store/textcut.h"
 
 #include <QDateEdit>
@@ -21,17 +20,7 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr int LargestPictureCount = 6; // of one entry
-
-/// The comment on one line, as the canvas and the lists show it.
-QString storedComment(QString text)
-{
-    const auto breaksLine = [](QChar character) {
-        return character == u'\n' || character == u'\t' || character == u'\r' || character == u'\v'
-            || character == u'\f' || character == QChar::LineSeparator || character == QChar::ParagraphSeparator;
-    };
-    std::replace_if(text.begin(), text.end(), breaksLine, QChar(u' '));
-    return cutText(text, TextLimit::Comment);
-}
+constexpr qsizetype LongestShown = 1000; // characters in a field; what only another program can store may be millions
 
 } // namespace
 
@@ -39,13 +28,13 @@ LocseenForm::LocseenForm(int entryId, int modelId, QWidget *parent)
     : QDialog(parent)
     , m_entryId(std::max(entryId, 0))
     , m_modelId(modelId)
-    , m_isNew(entryId < 1)
+    , m_isNew(entryId == -1)
 {
     buildWidgets();
     if (!m_isNew) {
         showEntry();
     }
-    m_modelEdit->setText(CatalogQuery::instance().modelName(m_modelId));
+    m_modelEdit->setText(shownText(CatalogQuery::instance().modelName(m_modelId)));
     m_modelEdit->setCursorPosition(0);
     connectWidgets(); // after filling, which is no edit
 }
@@ -156,13 +145,13 @@ void LocseenForm::showEntry()
         return;
     }
     const QSqlRecord &entry = rows.first();
-    m_numberEdit->setText(rowText(entry, u"nummer"_s));
+    m_row = entry;
+    m_numberEdit->setText(cutText(rowText(entry, u"nummer"_s), LongestShown));
     m_numberEdit->setEnabled(false);
-    m_placeEdit->setText(rowText(entry, u"ort"_s));
-    m_commentEdit->setPlainText(rowText(entry, u"kommentar"_s));
+    m_placeEdit->setText(cutText(rowText(entry, u"ort"_s), LongestShown));
+    m_commentEdit->setPlainText(cutText(rowText(entry, u"kommentar"_s), LongestShown));
     m_startDateEdit->setDate(entry.value(u"startdate"_s).toDate());
     m_seenDateEdit->setDate(entry.value(u"locseendate"_s).toDate());
-    m_rowSeenDate = entry.value(u"locseendate"_s);
     m_modelId = rowId(entry, u"locseenid"_s);
     keepAsStored();
     m_newButton->setEnabled(true);
@@ -177,8 +166,8 @@ void LocseenForm::lockTexts()
     m_commentEdit->setEnabled(false);
 }
 
-/// Keeps what the widgets give back and not what the row holds: a row that they cannot show as it is, with no date or
-/// with control characters, would otherwise count as edited as soon as it is opened.
+/// Keeps what the widgets give back and not what the row holds: a row that they cannot show as it is, with no date,
+/// with control characters or with too long a text, would otherwise count as edited as soon as it is opened.
 void LocseenForm::keepAsStored()
 {
     m_storedNumber = m_numberEdit->text();
@@ -196,60 +185,11 @@ bool LocseenForm::isEdited() const
         || m_seenDateEdit->date() != *m_storedSeenDate || m_commentEdit->toPlainText() != m_storedComment;
 }
 
-void LocseenForm::insertEntry()
-{
-    const WriteOutcome outcome
-        = executeWrite(u"INSERT INTO loc_seen (nummer, locseenid, ort, kommentar, startdate, locseendate) "
-                       "VALUES (:num, :lsid, :ort, :kmt, :sdate, :lsdate)"_s,
-            { { u":num"_s, cutText(m_numberEdit->text(), TextLimit::Number) }, { u":lsid"_s, m_modelId },
-                { u":ort"_s, cutText(m_placeEdit->text(), TextLimit::Place) },
-                { u":kmt"_s, storedComment(m_commentEdit->toPlainText()) }, { u":sdate"_s, m_startDateEdit->date() },
-                { u":lsdate"_s, m_seenDateEdit->date() } });
-    if (outcome.done) {
-        m_entryId = outcome.newId;
-        m_modified = true;
-        keepAsStored();
-        m_newButton->setEnabled(true);
-        m_newButton->setFocus();
-    } else {
-        MessageBox::information(this, tr("DB-Insert"), outcome.errorText);
-    }
-    m_editable = false;
-    m_storedSeenDate = m_seenDateEdit->date();
-    lockTexts();
-    m_startDateEdit->setEnabled(false);
-}
-
-/// False when there are edits that could not be stored; the user has then been told.
-bool LocseenForm::updateEntry()
-{
-    if (m_entryId < 1 || !isEdited()) {
-        return true;
-    }
-    // A date that the field cannot show stays as it is in the row until the user chooses another one.
-    const bool dateChosen = m_seenDateEdit->date() != m_storedSeenDate;
-    const QVariant seenDate = dateChosen || !m_rowSeenDate ? QVariant(m_seenDateEdit->date()) : *m_rowSeenDate;
-    const WriteOutcome outcome = executeWrite(
-        u"UPDATE loc_seen SET nummer = :num, ort = :ort, kommentar = :kmt,  locseendate = :seend WHERE id = %1"_s.arg(
-            m_entryId),
-        { { u":num"_s, cutText(m_numberEdit->text(), TextLimit::Number) },
-            { u":ort"_s, cutText(m_placeEdit->text(), TextLimit::Place) },
-            { u":kmt"_s, storedComment(m_commentEdit->toPlainText()) }, { u":seend"_s, seenDate } });
-    if (!outcome.done || outcome.rows == 0) {
-        const QString vanished = tr("Der Eintrag ist nicht mehr vorhanden, er wurde inzwischen gelöscht.");
-        MessageBox::information(this, tr("DB-Update"), outcome.done ? vanished : outcome.errorText);
-        return false;
-    }
-    if (dateChosen) {
-        m_rowSeenDate.reset();
-    }
-    m_modified = true;
-    keepAsStored(); // else an edit that is taken back later would not be seen as one
-    return true;
-}
-
 void LocseenForm::takePictureDate(const QDate &date)
 {
+    if (m_storedSeenDate && m_row.value(u"locseendate"_s).toDate() != *m_storedSeenDate) {
+        m_storedSeenDate = QDate(); // the row has a date that the field cannot show: any day is an edit of it
+    }
     m_seenDateEdit->setDate(date);
     if (m_storedSeenDate && *m_storedSeenDate != date) {
         m_saveButton->setEnabled(true);

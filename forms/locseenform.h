@@ -2,7 +2,7 @@
 
 #include <QDate>
 #include <QDialog>
-#include <QVariant>
+#include <QSqlRecord>
 
 #include <optional>
 
@@ -13,6 +13,7 @@ class QGroupBox;
 class QLineEdit;
 class QPushButton;
 class QTextEdit;
+struct WriteOutcome;
 
 /// Records one sighting or edits a stored one, and manages its pictures. Closing writes the pending changes of a stored
 /// entry without asking; a new entry that was never saved is dropped.
@@ -49,7 +50,10 @@ private:
     void lockTexts();
     void keepAsStored();
     [[nodiscard]] bool isEdited() const;
+    [[nodiscard]] QSqlRecord fieldValues() const;
+    [[nodiscard]] QSqlRecord editedRow(const QSqlRecord &stored) const;
     void insertEntry();
+    WriteOutcome storeEdits();
     bool updateEntry();
     void takePictureDate(const QDate &date);
     void showPicture(const QString &path);
@@ -61,7 +65,7 @@ private:
     QString m_storedPlace;
     QString m_storedComment;
     std::optional<QDate> m_storedSeenDate; // none for a new entry
-    std::optional<QVariant> m_rowSeenDate; // as the row holds it; none once the form has written a date
+    QSqlRecord m_row; // as the row was read or written last; empty for a new entry
     bool m_isNew;
     bool m_editable = true; // edits test "Speichern" anew
     bool m_modified = false; // something has been written

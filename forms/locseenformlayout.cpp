@@ -23,7 +23,8 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr QSize LargestForm(1500, 520); // pixels
-constexpr QSize FirstSize(1120, 520);
+constexpr QSize FirstSize(1200, 520);
+constexpr int CommentWidth = 350; // a whole comment without scrolling
 constexpr QSize PreviewSize(375, 250);
 constexpr int LargestCommentHeight = 74;
 
@@ -76,11 +77,17 @@ void LocseenForm::buildFields()
     m_commentEdit->setAcceptRichText(false);
     m_commentEdit->setTabChangesFocus(true); // a tab would be stored as a blank anyway
     m_commentEdit->setMaximumHeight(LargestCommentHeight);
+    m_commentEdit->setMinimumWidth(CommentWidth);
     m_seenDateEdit = dateEdit(u"seenDateEdit"_s);
     m_startDateEdit = dateEdit(u"startDateEdit"_s);
     m_modelEdit = lineEdit(u"modelEdit"_s);
-    m_modelEdit->setReadOnly(true);
+    showOnly(m_modelEdit);
+    for (QWidget *field : { static_cast<QWidget *>(m_numberEdit), static_cast<QWidget *>(m_placeEdit),
+             static_cast<QWidget *>(m_commentEdit), static_cast<QWidget *>(m_startDateEdit) }) {
+        keepReadable(field);
+    }
     m_saveButton = disabledButton(tr("Speichern"), u"saveButton"_s);
+    explain(m_saveButton, tr("Ein neuer Eintrag braucht Nummer, Ort und Kommentar."));
 }
 
 QGroupBox *LocseenForm::buildEntryBox()
@@ -119,16 +126,14 @@ QGroupBox *LocseenForm::buildPictureBox()
     m_newButton = disabledButton(tr("Neues Bild"), u"newPictureButton"_s);
     m_removeButton = disabledButton(tr("Bild entfernen"), u"removePictureButton"_s);
 
-    auto *buttons = new QVBoxLayout;
-    for (QPushButton *made : { m_showButton, m_newButton, m_removeButton }) {
-        buttons->addWidget(made);
-    }
-    buttons->addStretch();
+    explain(m_showButton, tr("Zeigt das Bild, das in der Liste gewählt ist."));
+    explain(m_newButton, tr("Fügt einem gespeicherten Eintrag ein Bild hinzu; er fasst sechs."));
+    explain(m_removeButton, tr("Entfernt das Bild, das in der Liste gewählt ist."));
     QGroupBox *box = groupBox(tr("Verzeichnisse der Bilder"), u"pictureBox"_s);
     auto *grid = new QGridLayout(box);
     grid->addWidget(m_pictureTable, 0, 0, 1, 3);
     grid->addWidget(m_preview, 1, 0);
-    grid->addLayout(buttons, 1, 1);
+    grid->addLayout(buttonColumn({ m_showButton, m_newButton, m_removeButton }), 1, 1);
     grid->setColumnStretch(2, 1);
     grid->setRowStretch(0, 1);
     return box;

@@ -1,8 +1,9 @@
 #include "forms/picturechooser.h"
 
+#include "forms/picturefiledialog.h"
+
 #include <QCoreApplication>
 #include <QDir>
-#include <QFileDialog>
 #include <QStandardPaths>
 #include <QUrl>
 
@@ -43,10 +44,8 @@ QString startFolder()
 
 QString choosePictureFile(QWidget *parent)
 {
-    QFileDialog dialog(parent, QCoreApplication::translate("LocPictureForm", "Open File"), startFolder(),
+    PictureFileDialog dialog(parent, QCoreApplication::translate("LocPictureForm", "Open File"), startFolder(),
         QCoreApplication::translate("LocPictureForm", "Images (*.png *.jpg)"));
-    dialog.setOption(QFileDialog::DontUseNativeDialog); // the desktop's own would not be German everywhere
-    dialog.setFileMode(QFileDialog::ExistingFile);
     dialog.setSidebarUrls({ QUrl::fromLocalFile(QDir::homePath()), QUrl::fromLocalFile(picturesFolder()) });
     if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty()) {
         return {};

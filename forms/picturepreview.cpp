@@ -30,8 +30,9 @@ bool PicturePreview::showImage(const QImage &picture)
         return false;
     }
     const QRectF area = sceneRect();
-    const QSize room = (area.size() * devicePixelRatioF()).toSize();
-    QImage image = picture.scaled(fittedInto(picture.size(), room), Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+    const QSizeF shown = fittedInto(picture.size(), area.size().toSize()); // equally large on every screen
+    QImage image
+        = picture.scaled((shown * devicePixelRatioF()).toSize(), Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
     image.setDevicePixelRatio(devicePixelRatioF());
     clear();
     QGraphicsPixmapItem *item = scene()->addPixmap(QPixmap::fromImage(image));
@@ -41,7 +42,18 @@ bool PicturePreview::showImage(const QImage &picture)
     return true;
 }
 
-void PicturePreview::clear()
+void PicturePreview::clear(const QString &notice)
 {
+    m_notice = notice;
     scene()->clear();
+}
+
+void PicturePreview::drawForeground(QPainter *painter, const QRectF &rect)
+{
+    Q_UNUSED(rect)
+    if (scene()->items().isEmpty()) {
+        painter->setFont(font());
+        painter->setPen(palette().color(QPalette::WindowText));
+        painter->drawText(sceneRect(), Qt::AlignCenter, m_notice.isEmpty() ? tr("Kein Bild gewählt") : m_notice);
+    }
 }

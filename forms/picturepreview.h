@@ -20,5 +20,13 @@ public:
     /// False when the image is null; then the view stays as it is.
     bool showImage(const QImage &picture);
 
-    void clear();
+    /// Says `notice` in the empty preview, by default that no picture is chosen.
+    void clear(const QString &notice = {});
+
+protected:
+    /// An empty preview says so, else it looks like something that failed to load.
+    void drawForeground(QPainter *painter, const QRectF &rect) override;
+
+private:
+    QString m_notice;
 };

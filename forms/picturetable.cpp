@@ -1,11 +1,10 @@
 #include "forms/picturetable.h"
 
+#include "forms/shownvalue.h"
 #include "store/rowvalue.h"
-#include "store/textcut.h"
 
 #include <QHeaderView>
 #include <QSqlQueryModel>
-#include <QTextDocument>
 
 using namespace Qt::StringLiterals;
 
@@ -15,7 +14,6 @@ enum Column { Id, CopyPath, OriginalPath, Height, Width, EntryId };
 
 constexpr int CopyPathWidth = 300; // pixels: a whole path of a copy
 constexpr int RowPadding = 6; // pixels
-constexpr qsizetype LongestToolTip = 300; // characters
 
 /// Adds the whole path as a tool tip, for the columns are mostly too narrow for it.
 class PictureModel final : public QSqlQueryModel
@@ -25,11 +23,7 @@ public:
 
     [[nodiscard]] QVariant data(const QModelIndex &index, int role) const override
     {
-        if (role != Qt::ToolTipRole) {
-            return QSqlQueryModel::data(index, role);
-        }
-        const QString path = QSqlQueryModel::data(index, Qt::DisplayRole).toString();
-        return Qt::convertFromPlainText(cutText(path, LongestToolTip));
+        return shownValue(QSqlQueryModel::data(index, role == Qt::ToolTipRole ? Qt::DisplayRole : role), role);
     }
 };
 
@@ -70,7 +64,8 @@ std::optional<PictureTable::Choice> PictureTable::choice() const
     if (rows.isEmpty()) {
         return {};
     }
-    const auto value = [&rows](Column column) { return rows.first().siblingAtColumn(column).data(); };
+    const auto value
+        = [&rows](Column column) { return rows.first().siblingAtColumn(column).data(Qt::EditRole); }; // uncut
     Choice choice { rowId(value(Id)), {} };
     choice.picture.copyPath = value(CopyPath).toString();
     choice.picture.originalPath = value(OriginalPath).toString();

@@ -1,5 +1,6 @@
 #include "forms/rowlist.h"
 
+#include "forms/shownvalue.h"
 #include "store/rowvalue.h"
 
 #include <QHeaderView>
@@ -14,10 +15,22 @@ namespace {
 
 constexpr int RowPadding = 8; // pixels
 
+/// Adds the whole text as a tool tip, for a path rarely fits its column.
+class RowModel final : public QSqlTableModel
+{
+public:
+    using QSqlTableModel::QSqlTableModel;
+
+    [[nodiscard]] QVariant data(const QModelIndex &index, int role) const override
+    {
+        return shownValue(QSqlTableModel::data(index, role == Qt::ToolTipRole ? Qt::DisplayRole : role), role);
+    }
+};
+
 } // namespace
 
 RowList::RowList(const QString &table, const QList<Column> &columns, const QString &filter)
-    : m_model(new QSqlTableModel(this))
+    : m_model(new RowModel(this))
 {
     m_model->setTable(table);
     m_model->setFilter(filter);

@@ -7,6 +7,7 @@
 #include "store/transaction.h"
 
 #include <QColorSpace>
+#include <QCoreApplication>
 #include <QPainter>
 #include <QSqlQuery>
 
@@ -80,8 +81,12 @@ QImage reducedPicture(const QString &path)
     if (source.isNull()) {
         return {};
     }
+    const bool isOpaque = !source.hasAlphaChannel();
     source.convertTo(QImage::Format_ARGB32);
     source.convertToColorSpace(QColorSpace::SRgb); // the copy is shown without regard to profiles
+    if (isOpaque) {
+        return source;
+    }
     QImage copy(source.size(), QImage::Format_ARGB32);
     copy.fill(Qt::white);
     QPainter(&copy).drawImage(0, 0, source);
@@ -122,9 +127,16 @@ bool mayBelongToGroup(const QString &copyPath)
 
 QString removePicture(int id, const StoredPicture &picture, bool keepCopy)
 {
+    QString missing = QCoreApplication::translate("StoredPicture", "Das Bild ist nicht mehr vorhanden.");
+    if (id < 1) {
+        return missing; // an id that cannot be read: no row that the program has made is meant by it
+    }
     const WriteOutcome outcome = executeWrite(u"DELETE FROM loc_picture WHERE id = %1"_s.arg(id));
     if (!outcome.done) {
         return outcome.errorText;
+    }
+    if (outcome.rows < 1) {
+        return missing; // and whatever row has the copy still needs it
     }
     if (!keepCopy) {
         removeCopy(picture.copyPath, picture.originalPath);

@@ -40,6 +40,6 @@ struct PictureOutcome
 /// Whether a group has this copy as its picture, also when that cannot be found out.
 [[nodiscard]] bool mayBelongToGroup(const QString &copyPath);
 
-/// Deletes the row and then, unless `keepCopy`, the copy. Returns the driver's text when that failed, else an empty
-/// text.
+/// Deletes the row and then, unless `keepCopy`, the copy. Returns the driver's text when that failed, and a text of its
+/// own when there was no such row; the copy stays then. Else an empty text.
 [[nodiscard]] QString removePicture(int id, const StoredPicture &picture, bool keepCopy);

@@ -1,6 +1,7 @@
 #include "search/messagebox.h"
 
 #include <QCoreApplication>
+#include <QKeyEvent>
 #include <QPushButton>
 
 using namespace Qt::StringLiterals;
@@ -23,6 +24,31 @@ void prepare(QMessageBox &box, const QString &title, const QString &text)
     box.setTextFormat(Qt::PlainText);
     box.setWindowTitle(title);
     box.setText(shownText(text));
+    if (!box.parentWidget() || box.parentWidget()->windowIcon().isNull()) {
+        box.setWindowIcon(QIcon(u"./Lok.ico"_s)); // others have that of their window
+    }
+}
+
+/// Lets pass by what comes from a key that is still held down: it opened the box and must not answer it as well.
+class HeldKeys final : public QObject
+{
+public:
+    bool eventFilter(QObject *watched, QEvent *event) override
+    {
+        Q_UNUSED(watched)
+        return event->type() == QEvent::KeyPress && static_cast<QKeyEvent *>(event)->isAutoRepeat();
+    }
+};
+
+int run(QMessageBox &box)
+{
+    HeldKeys heldKeys;
+    box.installEventFilter(&heldKeys);
+    const QList<QAbstractButton *> buttons = box.buttons();
+    for (QAbstractButton *button : buttons) {
+        button->installEventFilter(&heldKeys);
+    }
+    return box.exec();
 }
 
 } // namespace
@@ -46,7 +72,7 @@ bool MessageBox::confirm(QWidget *parent, const QString &title, const QString &t
     QPushButton *no = box.addButton(QCoreApplication::translate("MessageBox", "Nein"), QMessageBox::RejectRole);
     box.setDefaultButton(no); // a careless Return must not delete
     box.setEscapeButton(no);
-    box.exec();
+    run(box);
     return box.clickedButton() == yes;
 }
 
@@ -57,7 +83,7 @@ QMessageBox::StandardButton MessageBox::ask(QMessageBox::Icon icon, QWidget *par
     prepare(box, title, text);
     box.setIcon(icon);
     box.setStandardButtons(buttons);
-    return QMessageBox::StandardButton(box.exec());
+    return QMessageBox::StandardButton(run(box));
 }
 
 void MessageBox::about(QWidget *parent, const QString &title, const QString &richText)

@@ -9,6 +9,7 @@
 #include "store/catalogquery.h"
 #include "store/colorsetting.h"
 #include "store/rowvalue.h"
+#include "store/textcut.h"
 
 #include <QBoxLayout>
 #include <QComboBox>
@@ -19,6 +20,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QTextDocument>
 
 using namespace FormParts;
 using namespace Qt::StringLiterals;
@@ -56,10 +58,14 @@ QLineEdit *buildField(const QString &objectName)
     auto *field = new QLineEdit;
     field->setObjectName(objectName);
     field->setEnabled(false);
-    QPalette palette = field->palette(); // it cannot be changed, but it is there to be read
-    palette.setColor(QPalette::Disabled, QPalette::Text, palette.color(QPalette::Active, QPalette::WindowText));
-    field->setPalette(palette);
+    keepReadable(field);
     return field;
+}
+
+/// Names are data: a tool tip would read tags in them.
+QString plainToolTip(const QString &text)
+{
+    return Qt::convertFromPlainText(shownText(text));
 }
 
 QString nameOfGroup(int groupId)
@@ -78,7 +84,8 @@ OptionDialog::OptionDialog(const QList<QSqlRecord> &classes, int groupId, QWidge
 {
     m_modelBox->setObjectName(u"modelBox"_s);
     for (const QSqlRecord &model : classes) {
-        m_modelBox->addItem(rowText(model, u"modelname"_s));
+        const QString name = rowText(model, u"modelname"_s);
+        m_modelBox->addItem(shownText(name), name);
         m_modelIds.append(rowId(model, u"id"_s));
     }
     buildWidgets(nameOfGroup(groupId));
@@ -128,8 +135,7 @@ QString OptionDialog::sortChoice() const
 
 void OptionDialog::locModelSelectionChanged()
 {
-    m_modelField->setText(m_modelBox->currentText());
-    m_modelField->setCursorPosition(0);
+    showModelName();
     showEntryCount();
 }
 
@@ -140,11 +146,11 @@ void OptionDialog::startSearch()
 
 void OptionDialog::startLocCapture()
 {
-    const QString modelName = m_modelBox->currentText();
+    const QString modelName = m_modelBox->currentData().toString(); // uncut
     const int modelId = CatalogQuery::instance().modelIdByName(modelName, m_groupId);
     if (modelId == 0) { // removed or moved by someone else: the entry would belong to no class
-        MessageBox::warning(
-            this, tr("Keine Daten"), tr("Die Baureihe %1 wurde in dieser Gruppe nicht gefunden!").arg(modelName));
+        MessageBox::warning(this, tr("Keine Daten"),
+            tr("Die Baureihe %1 wurde in dieser Gruppe nicht gefunden!").arg(shortened(modelName)));
         return;
     }
     {
@@ -179,8 +185,11 @@ QLabel *OptionDialog::buildCaption(const QString &groupName)
     caption->setTextFormat(Qt::PlainText);
     caption->setAlignment(Qt::AlignCenter);
     caption->setFont(dialogFont(12));
-    const QString text = tr("Gruppe %1").arg(groupName);
+    const QString text = tr("Gruppe %1").arg(shownText(groupName));
     caption->setText(QFontMetrics(caption->font()).elidedText(text, Qt::ElideRight, CaptionWidth));
+    if (caption->text() != text) {
+        caption->setToolTip(plainToolTip(text));
+    }
     return caption;
 }
 
@@ -232,8 +241,7 @@ QGroupBox *OptionDialog::buildQueryBox()
 QGroupBox *OptionDialog::buildCaptureBox()
 {
     m_modelField = buildField(u"modelField"_s);
-    m_modelField->setText(m_modelBox->currentText());
-    m_modelField->setCursorPosition(0);
+    showModelName();
     m_newButton = button(tr("Neue Lok"), u"newButton"_s);
 
     auto *box = groupBox(tr("Erfassen"), u"captureGroup"_s);
@@ -262,6 +270,17 @@ void OptionDialog::connectWidgets()
     connect(m_searchButton, &QPushButton::clicked, this, &OptionDialog::startSearch);
     connect(m_newButton, &QPushButton::clicked, this, &OptionDialog::startLocCapture);
     connect(m_closeButton, &QPushButton::clicked, this, &OptionDialog::close);
+}
+
+/// The tool tips help where a wide name finds no room.
+void OptionDialog::showModelName()
+{
+    const QString name = m_modelBox->currentText();
+    m_modelField->setText(name);
+    m_modelField->setCursorPosition(0);
+    for (QWidget *widget : { static_cast<QWidget *>(m_modelBox), static_cast<QWidget *>(m_modelField) }) {
+        widget->setToolTip(name.isEmpty() ? QString() : plainToolTip(name));
+    }
 }
 
 void OptionDialog::showEntryCount()

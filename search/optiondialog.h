@@ -50,6 +50,7 @@ private:
     QGroupBox *buildCaptureBox();
     QLayout *buildButtonRow();
     void connectWidgets();
+    void showModelName();
     void showEntryCount();
 
     QList<int> m_modelIds; // in the order of the class box

@@ -171,20 +171,19 @@ void CatalogQuery::entriesByNumber(QList<QSqlRecord> &list, const QString &numme
 
 void CatalogQuery::storedPictureAt(QList<QSqlRecord> &list, int n) const
 {
-    int position = 0;
-    readRows(u"SELECT * FROM loc_picture WHERE pictAuxPath NOT LIKE '%AuxFolder%'"_s,
-        [&list, &position, n](const QSqlQuery &query) {
-            if (position == 0) {
-                list.append(query.record());
-            }
-            if (position == n) {
-                list.clear();
-                list.append(query.record());
-                return false;
-            }
-            ++position;
-            return true;
-        });
+    QSqlQuery query;
+    query.setForwardOnly(true);
+    if (!query.exec(u"SELECT * FROM loc_picture WHERE pictAuxPath NOT LIKE '%AuxFolder%'"_s)) {
+        qDebug().noquote() << query.lastError().text();
+        return;
+    }
+    if (!query.next()) {
+        return;
+    }
+    list.append(query.record());
+    if (n == 0 || (n > 0 && query.seek(n))) { // a seek reads no values of the rows that it passes
+        list = { query.record() };
+    }
 }
 
 QHash<int, QList<QSqlRecord>> CatalogQuery::picturesOfEntries(const QList<int> &entryIds) const
@@ -274,7 +273,9 @@ void CatalogQuery::AddLocModel(const QString &name, int groupId) const
 bool CatalogQuery::deleteEntry(int entryId, QString &nummer, int &modelId) const
 {
     QList<QSqlRecord> rows;
-    entryById(rows, entryId);
+    if (entryId >= 1) { // no other id is ever given to an entry
+        entryById(rows, entryId);
+    }
     if (rows.isEmpty()) {
         return true; // a missing entry counts as deleted
     }

@@ -9,7 +9,14 @@
 #include <QFileInfo>
 #include <QImageWriter>
 #include <QSaveFile>
+#include <QSet>
+#include <QSqlError>
+#include <QSqlQuery>
 #include <QThread>
+#include <QVariant>
+
+#include <algorithm>
+#include <limits>
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -49,12 +56,72 @@ bool syncFolderOf(const QString &path)
     return isSynced;
 }
 
-bool isOriginal(const QString &path, const QString &originalPath)
+void tellKept(const QString &path)
 {
-    const QFileInfo copy(path);
-    const QFileInfo original(originalPath);
-    return copy.absoluteFilePath() == original.absoluteFilePath()
-        || (original.exists() && copy.canonicalFilePath() == original.canonicalFilePath());
+    qWarning() << "Datei bleibt stehen, sie ist keine Kopie dieses Katalogs:" << path;
+}
+
+/// Those that are there and may be removed as far as their place goes, each once.
+QStringList filesOfStore(const QStringList &paths)
+{
+    QStringList files;
+    for (const QString &path : paths) {
+        const QFileInfo file(path);
+        if ((file.isFile() || file.isSymLink()) && isInsideStore(path)) {
+            files.append(path);
+        } else if (file.exists() || file.isSymLink()) {
+            tellKept(path);
+        }
+    }
+    files.removeDuplicates();
+    return files;
+}
+
+/// By what the files can be recognised, however their paths are spelled.
+QSet<QString> realNames(const QStringList &paths)
+{
+    QSet<QString> names;
+    for (const QString &path : paths) {
+        const QFileInfo file(path);
+        names.insert(file.absoluteFilePath());
+        names.insert(file.canonicalFilePath());
+    }
+    names.remove(QString()); // of what does not exist
+    return names;
+}
+
+/// The last `count` letters, of which one outside of the basic plane is two in a QString.
+QString lastLetters(QString text, qsizetype count)
+{
+    while (text.toUcs4().size() > count) {
+        text.remove(0, text.front().isHighSurrogate() ? 2 : 1);
+    }
+    return text;
+}
+
+/// Adds the paths of those originals in the table that may be one of the copies, because the user has chosen a copy as
+/// a photograph. Only what ends like one is fetched: there is a path for each of some 100,000 pictures.
+QString addOriginalsLike(const QStringList &copies, QStringList &originals)
+{
+    qsizetype shortest = std::numeric_limits<qsizetype>::max();
+    for (const QString &copy : copies) {
+        shortest = std::min(shortest, QFileInfo(copy).fileName().toUcs4().size());
+    }
+    QSqlQuery query;
+    query.setForwardOnly(true);
+    if (!query.prepare(
+            u"SELECT pictOrigPath FROM loc_picture WHERE substr(CAST(pictOrigPath AS TEXT), -%1) IN (%2)"_s.arg(
+                QString::number(shortest), QStringList(copies.size(), u"?"_s).join(u',')))) {
+        return query.lastError().text();
+    }
+    for (const QString &copy : copies) {
+        query.addBindValue(lastLetters(QFileInfo(copy).fileName(), shortest));
+    }
+    query.exec();
+    while (query.next()) {
+        originals.append(query.value(0).toString());
+    }
+    return query.lastError().text();
 }
 
 } // namespace
@@ -102,16 +169,34 @@ bool writeCopy(const QImage &picture, const QString &path)
     return isWritten;
 }
 
+QString removeCopies(const QStringList &paths, const QStringList &originals)
+{
+    const QStringList copies = filesOfStore(paths);
+    if (copies.isEmpty()) {
+        return {};
+    }
+    QStringList kept = originals;
+    QString errorText = addOriginalsLike(copies, kept);
+    if (!errorText.isEmpty()) {
+        return errorText;
+    }
+    const QSet<QString> keptNames = realNames(kept);
+    for (const QString &copy : copies) {
+        if (realNames({ copy }).intersects(keptNames)) {
+            tellKept(copy);
+        } else {
+            QFile::remove(copy);
+        }
+    }
+    return {};
+}
+
 bool removeCopy(const QString &path, const QString &originalPath)
 {
-    const QFileInfo copy(path);
-    if (!copy.exists() && !copy.isSymLink()) {
-        return false;
+    const bool wasThere = isTaken(path);
+    const QString errorText = removeCopies({ path }, { originalPath });
+    if (!errorText.isEmpty()) {
+        qWarning() << "Datei bleibt stehen:" << path << errorText;
     }
-    const bool isFile = copy.isFile() || copy.isSymLink();
-    if (!isFile || !isInsideStore(path) || isOriginal(path, originalPath)) {
-        qWarning() << "Datei bleibt stehen, sie ist keine Kopie dieses Katalogs:" << path;
-        return false;
-    }
-    return QFile::remove(path);
+    return wasThere && !isTaken(path);
 }

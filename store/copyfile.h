@@ -3,6 +3,7 @@
 #include <QDateTime>
 #include <QImage>
 #include <QString>
+#include <QStringList>
 
 /// "./Data/Pictures/<folder>/<name>.jpg", with the name made of the bare numbers of year, month, day, hour, minute,
 /// second and millisecond.
@@ -16,7 +17,11 @@
 /// overwrites a file.
 [[nodiscard]] bool writeCopy(const QImage &picture, const QString &path);
 
-/// Removes a copy that the program made: a file directly inside a folder below "./Data/Pictures", and never the one
-/// that `originalPath` names. Anything else is left alone and logged, whatever the database says.
-/// True when the file was removed.
+/// Removes copies that the program made: files directly inside a folder of "./Data/Pictures", and never one that
+/// `originals` or the picture rows name as the user's own file. Anything else is left alone and logged, whatever the
+/// database says. Returns the driver's text when the rows cannot be read, and nothing is removed then; else an empty
+/// text.
+[[nodiscard]] QString removeCopies(const QStringList &paths, const QStringList &originals);
+
+/// The same for one copy. True when the file was removed.
 bool removeCopy(const QString &path, const QString &originalPath);

@@ -36,7 +36,7 @@ bool connectDatabase()
     return true;
 }
 
-void createTables()
+void createTables(Existing existing)
 {
     const std::array statements {
         u"DROP TABLE settings"_s,
@@ -57,6 +57,10 @@ void createTables()
     // One transaction, because a program killed in between would leave a catalogue that later runs use as it is.
     // Without it nothing is touched: another program has the file, and the drops would destroy what it is making.
     Transaction transaction;
+    // Asked inside the transaction, because before it another program may have been about to make its tables.
+    if (transaction.isOpen() && existing == Existing::Keep && !isDatabaseEmpty()) {
+        return;
+    }
     QSqlQuery query;
     for (const QString &statement : statements) {
         if (transaction.isOpen()) {

@@ -1,23 +1,59 @@
 #include "store/entryremoval.h"
 
-#include "store/catalogquery.h"
 #include "store/copyfile.h"
 #include "store/rowvalue.h"
 #include "store/transaction.h"
 
+#include <QSqlError>
+#include <QSqlQuery>
+
 using namespace Qt::StringLiterals;
+
+namespace {
+
+struct PictureFiles
+{
+    QStringList copies;
+    QStringList originals;
+    QString errorText; // the driver's, when they could not all be read
+};
+
+/// A failed reading must not pass for an entry without pictures here: its rows would go and their copies stay, and
+/// SQLite may have ended the transaction with it, so that each deletion would be stored by itself.
+PictureFiles picturesOf(int entryId)
+{
+    PictureFiles files;
+    QSqlQuery query;
+    query.setForwardOnly(true);
+    query.exec(u"SELECT * FROM loc_picture WHERE locpictureid = %1"_s.arg(entryId));
+    while (query.next()) {
+        const QSqlRecord picture = query.record();
+        files.copies.append(rowText(picture, u"pictAuxPath"_s));
+        files.originals.append(rowText(picture, u"pictOrigPath"_s));
+    }
+    files.errorText = query.lastError().text();
+    return files;
+}
+
+} // namespace
 
 WriteOutcome removeEntry(int entryId)
 {
-    // The copies go before the rows, so it must be certain beforehand that rows can be deleted.
-    Transaction transaction;
+    if (entryId < 1) {
+        return { true, {}, 0, 0 }; // never given to an entry; the pictures of all groups have -1 in its place
+    }
+    // The copies go before the rows, so it must be certain beforehand that the rows can be deleted for good.
+    Transaction transaction(Transaction::Kind::Exclusive);
     if (!transaction.isOpen() || !transaction.provesWritable()) {
         return { false, transaction.errorText() };
     }
-    QList<QSqlRecord> pictures;
-    CatalogQuery::instance().picturesOfEntry(pictures, entryId);
-    for (const QSqlRecord &picture : pictures) {
-        removeCopy(rowText(picture, u"pictAuxPath"_s), rowText(picture, u"pictOrigPath"_s));
+    const PictureFiles files = picturesOf(entryId);
+    if (!files.errorText.isEmpty()) {
+        return { false, files.errorText };
+    }
+    const QString errorText = removeCopies(files.copies, files.originals);
+    if (!errorText.isEmpty()) {
+        return { false, errorText };
     }
     WriteOutcome outcome = runWrite(u"DELETE FROM loc_picture WHERE locpictureid = %1"_s.arg(entryId));
     if (outcome.done) {

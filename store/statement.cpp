@@ -6,6 +6,37 @@
 #include <QSqlError>
 #include <QSqlQuery>
 
+namespace {
+
+/// Half a surrogate pair, as a careless copy brings it, SQLite would read together with the letter behind it; a swapped
+/// byte order mark at the start is an order to it to swap the bytes of all letters. Either would garble a text.
+QVariant storable(const QVariant &value)
+{
+    if (value.typeId() != QMetaType::QString) {
+        return value;
+    }
+    QString text = value.toString();
+    if (!text.isValidUtf16()) {
+        text = QString::fromUtf8('x' + text.toUtf8()).sliced(1); // a mark at the very start would be dropped
+    }
+    if (text.startsWith(QChar(QChar::ByteOrderSwapped))) {
+        text[0] = QChar::ReplacementCharacter;
+    }
+    return text;
+}
+
+/// Why nothing can be written under the row: it is gone, or that cannot be found out. Empty when it is there.
+QString reasonAgainst(const NeededRow &needed)
+{
+    QSqlQuery count;
+    if (!count.exec(needed.countStatement) || !count.next()) {
+        return count.lastError().text();
+    }
+    return count.value(0).toLongLong() == 0 ? needed.missingText : QString();
+}
+
+} // namespace
+
 WriteOutcome runWrite(const QString &statement, const QList<BoundValue> &values)
 {
     QSqlQuery query;
@@ -13,7 +44,7 @@ WriteOutcome runWrite(const QString &statement, const QList<BoundValue> &values)
         return { false, query.lastError().text() };
     }
     for (const BoundValue &bound : values) {
-        query.bindValue(bound.name, bound.value);
+        query.bindValue(bound.name, storable(bound.value));
     }
     if (!query.exec()) {
         return { false, query.lastError().text() };
@@ -21,11 +52,16 @@ WriteOutcome runWrite(const QString &statement, const QList<BoundValue> &values)
     return { true, {}, rowId(query.lastInsertId()), query.numRowsAffected() };
 }
 
-WriteOutcome executeWrite(const QString &statement, const QList<BoundValue> &values)
+WriteOutcome executeWrite(
+    const QString &statement, const QList<BoundValue> &values, const std::optional<NeededRow> &needed)
 {
     Transaction transaction;
     if (!transaction.isOpen()) {
         return { false, transaction.errorText() };
+    }
+    const QString reason = needed ? reasonAgainst(*needed) : QString();
+    if (!reason.isEmpty()) {
+        return { false, reason };
     }
     WriteOutcome outcome = runWrite(statement, values);
     if (outcome.done && !transaction.commit()) {

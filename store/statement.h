@@ -4,6 +4,8 @@
 #include <QString>
 #include <QVariant>
 
+#include <optional>
+
 struct BoundValue
 {
     QString name; // with its colon, as it stands in the statement
@@ -22,8 +24,17 @@ struct WriteOutcome
 /// Prepares, binds and executes one statement without a transaction of its own.
 [[nodiscard]] WriteOutcome runWrite(const QString &statement, const QList<BoundValue> &values = {});
 
-/// The same in a transaction that ends with the statement.
-[[nodiscard]] WriteOutcome executeWrite(const QString &statement, const QList<BoundValue> &values = {});
+/// A row that must be there for a write to make sense: what hangs under a deleted row, nobody would ever see again.
+struct NeededRow
+{
+    QString countStatement; // yields 0 when the row is gone
+    QString missingText; // tells the user so
+};
+
+/// The same in a transaction that ends with the statement. Where a row is needed and gone, nothing is written and the
+/// error text is that of the row.
+[[nodiscard]] WriteOutcome executeWrite(
+    const QString &statement, const QList<BoundValue> &values = {}, const std::optional<NeededRow> &needed = {});
 
 enum class DeletionResult { Deleted, StillUsed, Failed };
 

@@ -6,9 +6,12 @@
 
 using namespace Qt::StringLiterals;
 
-Transaction::Transaction()
+Transaction::Transaction(Kind kind)
 {
-    m_open = run(u"BEGIN IMMEDIATE"_s);
+    // The mode is lost when another program had the file while it was opened, and it cannot be set inside a
+    // transaction.
+    m_open = run(u"PRAGMA synchronous=EXTRA"_s)
+        && run(kind == Kind::Exclusive ? u"BEGIN EXCLUSIVE"_s : u"BEGIN IMMEDIATE"_s);
 }
 
 Transaction::~Transaction()

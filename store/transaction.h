@@ -7,7 +7,12 @@
 class Transaction final
 {
 public:
-    Transaction();
+    enum class Kind {
+        Write, // other programs may read meanwhile, and one that does so at the end lets the commit fail
+        Exclusive, // nobody else reads either, so that no reader can undo what is done beside the database
+    };
+
+    explicit Transaction(Kind kind = Kind::Write);
     ~Transaction();
     Q_DISABLE_COPY_MOVE(Transaction)
 

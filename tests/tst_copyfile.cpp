@@ -1,5 +1,6 @@
 #include "search/clock.h"
 #include "store/copyfile.h"
+#include "store/statement.h"
 #include "tests/support/testcatalogue.h"
 #include "tests/support/testmain.h"
 #include "tests/support/testpictures.h"
@@ -24,7 +25,7 @@ class TestCopyFile final : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void init() { m_catalogue = std::make_unique<TestCatalogue>(TestCatalogue::FoldersOnly); }
+    void init() { m_catalogue = std::make_unique<TestCatalogue>(); }
     void cleanup()
     {
         Clock::setSource({});
@@ -45,11 +46,17 @@ private Q_SLOTS:
     void whatIsNoCopyIsLeftAlone();
     void originalIsNeverRemoved_data();
     void originalIsNeverRemoved();
+    void whatAnyRowCallsAnOriginalIsNeverRemoved_data();
+    void whatAnyRowCallsAnOriginalIsNeverRemoved();
+    void originalOfTheSameNameElsewhereKeepsNothing();
+    void unreadableRowsKeepTheCopy();
     void linkedFolderIsNoPartOfTheStore();
+    void linkBetweenFoldersOfTheStoreIsFollowed();
     void linkedStoreIsAStore();
 
 private:
     static void write(const QString &path);
+    static void addOriginal(const QString &path);
 
     std::unique_ptr<TestCatalogue> m_catalogue;
 };
@@ -59,6 +66,14 @@ void TestCopyFile::write(const QString &path)
     QVERIFY(QDir().mkpath(QFileInfo(path).path()));
     QFile file(path);
     QVERIFY(file.open(QIODevice::WriteOnly) && file.write("x") == 1);
+}
+
+void TestCopyFile::addOriginal(const QString &path)
+{
+    QVERIFY(executeWrite(u"INSERT INTO loc_picture (pictAuxPath, pictOrigPath, pictHeight, pictWidth, locpictureid) "
+                         "VALUES ('./Data/Pictures/Folder001/other.jpg', :path, 1, 1, 1)"_s,
+        { { u":path"_s, path } })
+                .done);
 }
 
 void TestCopyFile::nameIsMadeOfBareNumbers_data()
@@ -208,6 +223,66 @@ void TestCopyFile::originalIsNeverRemoved()
     QTest::ignoreMessage(QtWarningMsg, QRegularExpression(u"^Datei bleibt stehen"_s));
     QVERIFY(!removeCopy(path, original));
     QVERIFY(QFile::exists(path));
+}
+
+void TestCopyFile::whatAnyRowCallsAnOriginalIsNeverRemoved_data()
+{
+    QTest::addColumn<QString>("copy"); // in Folder001
+    QTest::addColumn<QString>("original"); // %1 is the working folder
+    QTest::newRow("full path") << u"1.jpg"_s << u"%1/Data/Pictures/Folder001/1.jpg"_s;
+    QTest::newRow("as the program writes it") << u"1.jpg"_s << u"./Data/Pictures/Folder001/1.jpg"_s;
+    QTest::newRow("through a linked folder") << u"1.jpg"_s << u"%1/photos/1.jpg"_s;
+    QTest::newRow("another spelling") << u"1.jpg"_s << u"%1/Data/../Data/./Pictures//Folder001/1.jpg"_s;
+    QTest::newRow("letters of two units") << u"🚂11.jpg"_s << u"%1/Data/Pictures/Folder001/🚂11.jpg"_s;
+}
+
+void TestCopyFile::whatAnyRowCallsAnOriginalIsNeverRemoved()
+{
+    QFETCH(const QString, copy);
+    QFETCH(QString, original);
+    const QString path = u"./Data/Pictures/Folder001/"_s + copy;
+    const QString shorter = u"./Data/Pictures/Folder001/2.jpg"_s;
+    write(path);
+    write(shorter);
+    QVERIFY(QFile::link(m_catalogue->path(u"Data/Pictures/Folder001"_s), u"photos"_s));
+    addOriginal(u"/elsewhere/2000.jpg"_s);
+    addOriginal(original.replace(u"%1"_s, QDir::currentPath()));
+    QTest::ignoreMessage(QtWarningMsg, QRegularExpression(u"^Datei bleibt stehen"_s));
+    QCOMPARE(removeCopies({ path, shorter }, {}), QString());
+    QVERIFY(QFile::exists(path));
+    QVERIFY(!QFile::exists(shorter));
+    QTest::ignoreMessage(QtWarningMsg, QRegularExpression(u"^Datei bleibt stehen"_s));
+    QVERIFY(!removeCopy(path, QString()));
+}
+
+void TestCopyFile::originalOfTheSameNameElsewhereKeepsNothing()
+{
+    const QString path = u"./Data/Pictures/Folder001/1.jpg"_s;
+    write(path);
+    write(u"1.jpg"_s);
+    addOriginal(m_catalogue->path(u"1.jpg"_s));
+    addOriginal(u"/gone/1.jpg"_s);
+    QVERIFY(removeCopy(path, QString()));
+    QVERIFY(QFile::exists(u"1.jpg"_s));
+}
+
+void TestCopyFile::unreadableRowsKeepTheCopy()
+{
+    const QString path = u"./Data/Pictures/Folder001/1.jpg"_s;
+    write(path);
+    QVERIFY(executeWrite(u"DROP TABLE loc_picture"_s).done);
+    QVERIFY(removeCopies({ path }, {}).contains(u"no such table"_s));
+    QTest::ignoreMessage(QtWarningMsg, QRegularExpression(u"^Datei bleibt stehen"_s));
+    QVERIFY(!removeCopy(path, QString()));
+    QVERIFY(QFile::exists(path));
+}
+
+void TestCopyFile::linkBetweenFoldersOfTheStoreIsFollowed()
+{
+    write(u"Data/Pictures/Folder001/1.jpg"_s);
+    QVERIFY(QFile::link(m_catalogue->path(u"Data/Pictures/Folder001"_s), u"Data/Pictures/Folder003"_s));
+    QVERIFY(removeCopy(u"./Data/Pictures/Folder003/1.jpg"_s, QString()));
+    QVERIFY(!QFile::exists(u"Data/Pictures/Folder001/1.jpg"_s));
 }
 
 void TestCopyFile::linkedFolderIsNoPartOfTheStore()

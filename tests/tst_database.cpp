@@ -33,6 +33,7 @@ private Q_SLOTS:
     void newCatalogueHasExactlyTheseTables();
     void newCatalogueHoldsFourSettingsRowsAndNothingElse();
     void makingTheTablesAgainStartsAfresh();
+    void tablesOfAnotherProgramAreKept();
     void tablesAreMadeWhereDropsFail();
     void nothingIsLeftOpenAfterTheTablesAreMade();
     void idsOfDeletedRowsAreNeverReused();
@@ -156,6 +157,17 @@ void TestDatabase::makingTheTablesAgainStartsAfresh()
     createTables();
     QCOMPARE(value(u"SELECT COUNT(*) FROM locomotive"_s).toInt(), 0);
     QCOMPARE(value(u"SELECT COUNT(*) || '/' || SUM(value) FROM settings"_s).toString(), u"4/0"_s);
+}
+
+void TestDatabase::tablesOfAnotherProgramAreKept()
+{
+    QVERIFY(connectDatabase());
+    createTables(Existing::Keep);
+    QCOMPARE(value(u"SELECT COUNT(*) FROM settings"_s).toInt(), 4);
+    m_catalogue->addGroup(u"Krokodile"_s);
+    createTables(Existing::Keep);
+    QCOMPARE(value(u"SELECT COUNT(*) FROM locomotive"_s).toInt(), 1);
+    m_catalogue->addGroup(u"Köfferli"_s); // no transaction is left open
 }
 
 void TestDatabase::tablesAreMadeWhereDropsFail()

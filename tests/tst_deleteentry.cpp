@@ -1,5 +1,6 @@
 #include "store/catalogquery.h"
 #include "store/database.h"
+#include "store/entryremoval.h"
 #include "store/statement.h"
 #include "tests/support/modalscript.h"
 #include "tests/support/testcatalogue.h"
@@ -34,7 +35,12 @@ private Q_SLOTS:
     void questionShowsAHostileNumberAsItIs();
     void missingCopiesDoNotStopTheDeletion();
     void rowsCannotMakeItRemoveTheUsersFiles();
+    void copyThatAnotherEntryCallsItsSourceStays();
+    void idOfNoEntryIsAMissingEntry_data();
+    void idOfNoEntryIsAMissingEntry();
     void lockedCatalogueLosesNothing();
+    void readerOfTheCatalogueLosesNothing();
+    void unreadablePicturesKeepTheEntry();
     void readOnlyCatalogueLosesNothing();
     void failedDeletionOfPicturesKeepsTheEntry();
     void failedDeletionOfTheEntryKeepsThePictureRows();
@@ -203,6 +209,85 @@ void TestDeleteEntry::rowsCannotMakeItRemoveTheUsersFiles()
     QVERIFY(QFile::exists(u"source1.jpg"_s));
     QVERIFY(QFile::exists(databasePath()));
     QCOMPARE(m_catalogue->value(u"SELECT COUNT(*) FROM loc_seen"_s).toInt(), 1);
+}
+
+void TestDeleteEntry::copyThatAnotherEntryCallsItsSourceStays()
+{
+    QVERIFY(executeWrite(u"UPDATE loc_picture SET pictOrigPath = :path WHERE id = 3"_s,
+        { { u":path"_s, m_catalogue->path(u"Data/Pictures/Folder001/copy2.jpg"_s) } })
+                .done);
+    ModalScript script;
+    script.box(u"Eintrag Entfernen"_s, question(u"11407"_s), u"Ja"_s);
+    QTest::ignoreMessage(QtWarningMsg, QRegularExpression(u"^Datei bleibt stehen"_s));
+    QVERIFY(remove());
+    QCOMPARE(script.problems(), QStringList());
+    QVERIFY(!QFile::exists(u"Data/Pictures/Folder001/copy1.jpg"_s));
+    QVERIFY(QFile::exists(u"Data/Pictures/Folder001/copy2.jpg"_s));
+    QCOMPARE(m_catalogue->value(u"SELECT group_concat(id) FROM loc_picture"_s).toString(), u"3"_s);
+}
+
+void TestDeleteEntry::idOfNoEntryIsAMissingEntry_data()
+{
+    QTest::addColumn<int>("id");
+    QTest::newRow("what pictures of groups have in its place") << -1;
+    QTest::newRow("what an unreadable id reads as") << 0;
+}
+
+void TestDeleteEntry::idOfNoEntryIsAMissingEntry()
+{
+    QFETCH(const int, id);
+    m_catalogue->addPicture(id);
+    QVERIFY(executeWrite(u"UPDATE loc_seen SET id = %1 WHERE id = 2"_s.arg(id)).done);
+    const ModalScript script;
+    m_entry = id;
+    QVERIFY(remove());
+    QCOMPARE(script.problems(), QStringList());
+    const WriteOutcome outcome = removeEntry(id);
+    QVERIFY(outcome.done);
+    QCOMPARE(outcome.rows, 0);
+    QVERIFY(QFile::exists(u"Data/Pictures/Folder001/copy4.jpg"_s));
+    QCOMPARE(m_catalogue->value(u"SELECT COUNT(*) FROM loc_picture"_s).toInt(), 4);
+    QCOMPARE(m_catalogue->value(u"SELECT COUNT(*) FROM loc_seen"_s).toInt(), 2);
+}
+
+void TestDeleteEntry::readerOfTheCatalogueLosesNothing()
+{
+    {
+        QSqlDatabase other = QSqlDatabase::addDatabase(u"QSQLITE"_s, u"other"_s);
+        other.setDatabaseName(databasePath());
+        QVERIFY(other.open());
+        QSqlQuery reading(other);
+        QVERIFY(reading.exec(u"SELECT * FROM loc_seen"_s) && reading.next()); // and not to the end
+        ModalScript script;
+        script.box(u"Eintrag Entfernen"_s, question(u"11407"_s), u"Ja"_s).anyBox(u"DB-Löschen"_s);
+        QVERIFY(!remove());
+        QCOMPARE(script.problems(), QStringList());
+        expectNothingRemoved();
+        reading.finish();
+        script.box(u"Eintrag Entfernen"_s, question(u"11407"_s), u"Ja"_s);
+        QVERIFY(remove());
+        QCOMPARE(script.problems(), QStringList());
+    }
+    QSqlDatabase::removeDatabase(u"other"_s);
+    QVERIFY(!QFile::exists(u"Data/Pictures/Folder001/copy1.jpg"_s));
+}
+
+void TestDeleteEntry::unreadablePicturesKeepTheEntry()
+{
+    // A column that cannot be computed lets the reading fail, but no deletion.
+    QVERIFY(executeWrite(u"ALTER TABLE loc_picture ADD COLUMN x AS (abs(-9223372036854775807 - id))"_s).done);
+    QVERIFY(!QSqlQuery().exec(u"SELECT * FROM loc_picture WHERE locpictureid = 1"_s));
+    ModalScript script;
+    script.box(u"Eintrag Entfernen"_s, question(u"11407"_s), u"Ja"_s).then([&script](QWidget *widget) {
+        auto *box = qobject_cast<QMessageBox *>(widget);
+        QVERIFY(box != nullptr);
+        QCOMPARE(box->windowTitle(), u"DB-Löschen"_s);
+        QVERIFY(box->text().contains(u"overflow"_s));
+        script.click(box, u"OK"_s);
+    });
+    QVERIFY(!remove());
+    QCOMPARE(script.problems(), QStringList());
+    expectNothingRemoved();
 }
 
 void TestDeleteEntry::lockedCatalogueLosesNothing()

@@ -4,11 +4,15 @@
 #include "browser/entryblock.h"
 #include "browser/picturescene.h"
 #include "browser/viewholder.h"
+#include "forms/picturepreview.h"
 #include "tests/support/browserwindow.h"
 #include "tests/support/layoutcheck.h"
+#include "tests/support/modalscript.h"
 #include "tests/support/testmain.h"
+#include "tests/support/testpictures.h"
 
 #include <QApplication>
+#include <QGraphicsPixmapItem>
 #include <QMenu>
 #include <QProcess>
 #include <QTest>
@@ -54,7 +58,7 @@ void TestDisplayScale::everythingIsSharpAtScale()
     QVERIFY(process.waitForFinished(120000));
     const QByteArray output = process.readAll();
     QVERIFY2(process.exitStatus() == QProcess::NormalExit && process.exitCode() == 0, output.constData());
-    QVERIFY2(output.contains("Totals: 9 passed, 0 failed"), output.constData()); // and not nothing at all
+    QVERIFY2(output.contains("Totals: 13 passed, 0 failed"), output.constData()); // and not nothing at all
 }
 
 /// Black and white lines, each one pixel wide: the least blur turns them grey.
@@ -91,9 +95,12 @@ private Q_SLOTS:
 
     void scaleIsTheOneAskedFor();
     void buttonsHaveTheScreensPixels();
+    void buttonsActOnlyInsideTheirBox();
     void photographsAreSharp();
     void startPictureIsSharp();
     void groupIconsAreSharp();
+    void previewsAreEquallyLarge_data();
+    void previewsAreEquallyLarge();
     void colourIconsKeepTheirSizes();
     void nothingIsShifted();
 
@@ -158,6 +165,27 @@ void TestAtScale::buttonsHaveTheScreensPixels()
     }
 }
 
+void TestAtScale::buttonsActOnlyInsideTheirBox()
+{
+    QCOMPARE(m_browser->search(m_group), QStringList());
+    const ButtonItem *button = m_browser->button(ButtonKind::Delete, m_browser->block(0));
+    const QRect box = view()->mapFromScene(LayoutCheck::shown(button)).boundingRect();
+    QCOMPARE(box.size() - QSize(1, 1), buttonBox(ButtonKind::Delete));
+    const auto press = [this](const QPoint &point) {
+        QTest::mouseClick(view()->viewport(), Qt::LeftButton, {}, point);
+        QTest::qWait(20); // a box would be open by now
+    };
+    ModalScript script;
+    const QPoint corner = box.topLeft() + QPoint(25, 25);
+    press({ corner.x() + 3, box.center().y() });
+    press({ box.center().x(), corner.y() + 3 });
+    press(box.topLeft() - QPoint(3, 3));
+    QCOMPARE(script.problems(), QStringList()); // else an unexpected question
+    script.then([](QWidget *question) { question->close(); });
+    press(corner - QPoint(2, 2));
+    QCOMPARE(script.problems(), QStringList());
+}
+
 void TestAtScale::photographsAreSharp()
 {
     QCOMPARE(m_browser->search(m_group), QStringList());
@@ -193,6 +221,29 @@ void TestAtScale::groupIconsAreSharp()
     const QImage image = button->grab().toImage();
     const QRectF inside = QRectF(button->rect()).adjusted(16, 16, -16, -16);
     QVERIFY(leastStep(image, QRectF(inside.topLeft() * m_scale, inside.size() * m_scale).toRect()) > 200);
+}
+
+void TestAtScale::previewsAreEquallyLarge_data()
+{
+    QTest::addColumn<QSize>("picture");
+    QTest::addColumn<QSizeF>("shown");
+    QTest::newRow("a copy fills the preview") << QSize(750, 500) << QSizeF(330, 220);
+    QTest::newRow("a photograph too") << QSize(3000, 2000) << QSizeF(330, 220);
+    QTest::newRow("a small picture keeps its size") << QSize(90, 60) << QSizeF(90, 60);
+}
+
+void TestAtScale::previewsAreEquallyLarge()
+{
+    QFETCH(QSize, picture);
+    QFETCH(QSizeF, shown);
+    writeTestJpeg(u"a.jpg"_s, picture);
+    PicturePreview preview;
+    preview.show();
+    QCOMPARE(preview.devicePixelRatioF(), m_scale);
+    QVERIFY(preview.showFile(u"a.jpg"_s));
+    auto *item = qgraphicsitem_cast<QGraphicsPixmapItem *>(preview.scene()->items().constFirst());
+    QCOMPARE(item->pixmap().deviceIndependentSize(), shown);
+    QCOMPARE(item->pixmap().devicePixelRatio(), m_scale);
 }
 
 void TestAtScale::colourIconsKeepTheirSizes()

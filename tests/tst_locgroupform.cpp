@@ -124,6 +124,7 @@ private Q_SLOTS:
     void replacingDoesNotTouchTheNewGroup();
     void replacingWithoutAChoiceChangesNothing();
     void failedUpdateOfThePictureIsTold();
+    void pictureOfAGroupDeletedMeanwhileIsDropped();
 
     void groupWithAClassStays();
     void neinKeepsTheGroup();
@@ -137,6 +138,8 @@ private Q_SLOTS:
     void moveStoresTheTargetGroup();
     void moveWithoutARowDoesNothing();
     void failedMoveIsTold();
+    void moveOfWhatIsGoneIsTold_data();
+    void moveOfWhatIsGoneIsTold();
 
     void tabLeadsThroughTheDialogAsOneReads();
 
@@ -626,6 +629,26 @@ void TestLocGroupForm::failedUpdateOfThePictureIsTold()
     QCOMPARE(m_catalogue->value(u"SELECT pictPath FROM locomotive"_s).toString(), u"./alt.jpg"_s);
 }
 
+void TestLocGroupForm::pictureOfAGroupDeletedMeanwhileIsDropped()
+{
+    m_catalogue->addGroup(u"Krokodile"_s, u"./alt.jpg"_s);
+    LocGroupForm form;
+    form.show();
+    clickRow(form, 0);
+    ModalScript script;
+    script.then([&script](QWidget *pictureForm) {
+        QVERIFY(QSqlQuery().exec(u"DELETE FROM locomotive"_s));
+        script.click(pictureForm, u"Bild auswählen"_s);
+        script.click(pictureForm, u"Schliessen"_s);
+    });
+    script.chooseFile(m_catalogue->path(u"source.jpg"_s));
+    script.box(u"DB-Update"_s, u"Die Gruppe ist nicht mehr vorhanden, sie wurde inzwischen gelöscht."_s);
+    press(form, u"Bild austauschen"_s);
+    QCOMPARE(script.problems(), QStringList());
+    QCOMPARE(copies(), 0);
+    QCOMPARE(m_catalogue->value(u"SELECT COUNT(*) FROM loc_picture"_s).toInt(), 0);
+}
+
 void TestLocGroupForm::groupWithAClassStays()
 {
     m_catalogue->addModel(u"Ce 6/8 II"_s, m_catalogue->addGroup(u"Krokodile"_s));
@@ -806,6 +829,34 @@ void TestLocGroupForm::failedMoveIsTold()
     QCOMPARE(script.problems(), QStringList());
     QVERIFY(form.isVisible());
     QVERIFY(isEnabled(form, u"Speichern"_s));
+}
+
+void TestLocGroupForm::moveOfWhatIsGoneIsTold_data()
+{
+    QTest::addColumn<QString>("table");
+    QTest::addColumn<QString>("text");
+    QTest::newRow("group") << u"locomotive"_s
+                           << u"Die Gruppe ist nicht mehr vorhanden, sie wurde inzwischen gelöscht."_s;
+    QTest::newRow("class") << u"loc_model"_s
+                           << u"Die Baureihe ist nicht mehr vorhanden, sie wurde inzwischen gelöscht."_s;
+}
+
+void TestLocGroupForm::moveOfWhatIsGoneIsTold()
+{
+    QFETCH(const QString, table);
+    QFETCH(const QString, text);
+    const int group = m_catalogue->addGroup(u"Ae"_s);
+    const int model = m_catalogue->addModel(u"Ae 3/6"_s, group);
+    LocGroupForm form(model, u"Ae 3/6"_s, nullptr);
+    form.show();
+    clickRow(form, 0);
+    QVERIFY(QSqlQuery().exec(u"DELETE FROM "_s + table));
+    ModalScript script;
+    script.box(u"DB-Update"_s, text);
+    press(form, u"Speichern"_s);
+    QCOMPARE(script.problems(), QStringList());
+    QVERIFY(form.isVisible());
+    QVERIFY(table == u"loc_model"_s || m_catalogue->value(u"SELECT locid FROM loc_model"_s).toInt() == group);
 }
 
 void TestLocGroupForm::tabLeadsThroughTheDialogAsOneReads()

@@ -99,6 +99,7 @@ private Q_SLOTS:
     void missingGroupTakesNoClasses_data();
     void missingGroupTakesNoClasses();
 
+    void classOfAGroupDeletedMeanwhileIsTold();
     void movedClassLeavesTheList();
     void movingWithoutARowDoesNothing();
     void cancelledMoveKeepsTheClass();
@@ -325,6 +326,19 @@ void TestLocModelForm::missingGroupTakesNoClasses()
     QVERIFY(!nameEdit(form)->isEnabled());
     QVERIFY(!isEnabled(form, u"Speichern"_s));
     QVERIFY(isEnabled(form, u"Schliessen"_s));
+}
+
+void TestLocModelForm::classOfAGroupDeletedMeanwhileIsTold()
+{
+    LocModelForm form(m_group);
+    form.show();
+    QTest::keyClicks(nameEdit(form), u"Ce 6/8 II"_s);
+    QVERIFY(QSqlQuery().exec(u"DELETE FROM locomotive"_s));
+    ModalScript script;
+    script.box(u"DB-Insert"_s, u"Die Gruppe ist nicht mehr vorhanden, sie wurde inzwischen gelöscht."_s);
+    press(form, u"Speichern"_s);
+    QCOMPARE(script.problems(), QStringList());
+    QCOMPARE(m_catalogue->value(u"SELECT COUNT(*) FROM loc_model"_s).toInt(), 0);
 }
 
 void TestLocModelForm::movedClassLeavesTheList()

@@ -160,6 +160,7 @@ private Q_SLOTS:
     void failedCommitLeavesNeitherRowNorFile();
     void failedWriteLeavesNeitherRowNorFile();
     void storeWithoutNumberedFoldersGetsItsFirst();
+    void folderRemovedByHandIsMadeAgain();
 
     void storedPictureIsShown();
     void openingAndClosingRewritesNothing_data();
@@ -744,6 +745,17 @@ void TestLocPictureForm::storeWithoutNumberedFoldersGetsItsFirst()
     press(form, u"saveButton"_s);
     QVERIFY(form.isSaved());
     QVERIFY(form.copyPath().startsWith(u"./Data/Pictures/Folder001/"_s));
+}
+
+void TestLocPictureForm::folderRemovedByHandIsMadeAgain()
+{
+    QCOMPARE(ColorSetting::instance().pictureStore().currentFolder(), u"Folder001"_s); // chosen, and then
+    QVERIFY(QDir().rmdir(u"./Data/Pictures/Folder001"_s));
+    LocPictureForm form(Entry, -1);
+    choose(form);
+    press(form, u"saveButton"_s);
+    QVERIFY(form.isSaved());
+    QVERIFY(QFile::exists(form.copyPath()));
 }
 
 void TestLocPictureForm::storedPictureIsShown()

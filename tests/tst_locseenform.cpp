@@ -199,17 +199,23 @@ private Q_SLOTS:
     void updateCutsAndJoinsTheTexts();
     void failedUpdateIsToldAndTheFormStays();
     void failedUpdateOnClosingIsTold();
+    void editsAreKeptOnceForEachFailure();
     void editOfAnEntryDeletedMeanwhileIsTold();
+    void editKeepsWhatAnotherWindowHasStored();
+    void entryOfAClassDeletedMeanwhileIsTold();
+    void textsOfTheWholeColumnAreShown();
     void dateThatTheFieldCannotShowIsKept_data();
     void dateThatTheFieldCannotShowIsKept();
     void wheelOverAnUnfocusedDateChangesNothing();
     void pastedLineFeedDoesNotReachTheNumber();
+    void vanishedEntryCannotBeEdited_data();
     void vanishedEntryCannotBeEdited();
 
     void sixPicturesAreTheLimit();
     void fifthPictureMayBeFollowedByASixth();
     void newPictureIsListedAndShown();
     void newPictureMovesTheSeenDate();
+    void pictureGivesTheDateThatWasMissing();
     void pictureOfTheSameDayLeavesNothingToSave();
     void pictureOfANewEntryMovesItsDate();
     void pictureFormClosedWithoutSavingChangesNothing();
@@ -834,6 +840,63 @@ void TestLocseenForm::failedUpdateOnClosingIsTold()
     QCOMPARE(column(u"ort"_s), u"Bern"_s);
 }
 
+void TestLocseenForm::editsAreKeptOnceForEachFailure()
+{
+    const int entry = m_catalogue->addEntry(u"11109"_s, m_model);
+    LocseenForm form(entry, 0);
+    show(form);
+    ModalScript script;
+    for (const QString &text : { u"Thun"_s, u"Spiez"_s }) {
+        refuse(u"UPDATE"_s, u"loc_seen"_s);
+        replaceText(place(form), text);
+        script.then(driverBox(u"DB-Update"_s));
+        press(form, u"closeButton"_s);
+        QVERIFY(form.isVisible());
+        run(u"DROP TRIGGER refuse"_s);
+        press(form, u"saveButton"_s);
+        QCOMPARE(column(u"ort"_s), text);
+    }
+    QCOMPARE(script.problems(), QStringList());
+}
+
+void TestLocseenForm::editKeepsWhatAnotherWindowHasStored()
+{
+    const int entry = m_catalogue->addEntry(u"11109"_s, m_model);
+    LocseenForm form(entry, 0);
+    show(form);
+    run(u"UPDATE loc_seen SET kommentar = 'aus dem anderen Fenster', locseendate = '1999-08-07'"_s);
+    replaceText(place(form), u"Thun"_s);
+    press(form, u"saveButton"_s);
+    QCOMPARE(column(u"ort || kommentar || locseendate"_s), u"Thunaus dem anderen Fenster1999-08-07"_s);
+}
+
+void TestLocseenForm::entryOfAClassDeletedMeanwhileIsTold()
+{
+    LocseenForm form(-1, m_model);
+    fill(form);
+    run(u"DELETE FROM loc_model"_s);
+    ModalScript script;
+    script.box(u"DB-Insert"_s, u"Die Baureihe ist nicht mehr vorhanden, sie wurde inzwischen gelöscht."_s);
+    press(form, u"saveButton"_s);
+    QCOMPARE(script.problems(), QStringList());
+    QCOMPARE(entries(), 0);
+    QVERIFY(form.isVisible());
+}
+
+/// The columns take a little more than the form stores.
+void TestLocseenForm::textsOfTheWholeColumnAreShown()
+{
+    const QString longNumber(20, u'8');
+    const QString longPlace(40, u'o');
+    const QString longComment(200, u'k');
+    const int entry = m_catalogue->addEntry(longNumber, m_model, longPlace, {}, longComment);
+    LocseenForm form(entry, 0);
+    show(form);
+    QCOMPARE(number(form)->text(), longNumber);
+    QCOMPARE(place(form)->text(), longPlace);
+    QCOMPARE(comment(form)->toPlainText(), longComment);
+}
+
 void TestLocseenForm::editOfAnEntryDeletedMeanwhileIsTold()
 {
     const int entry = m_catalogue->addEntry(u"11109"_s, m_model);
@@ -905,10 +968,19 @@ void TestLocseenForm::pastedLineFeedDoesNotReachTheNumber()
     QCOMPARE(number(form)->text(), u"11109 2"_s);
 }
 
+void TestLocseenForm::vanishedEntryCannotBeEdited_data()
+{
+    QTest::addColumn<int>("id");
+    QTest::newRow("deleted") << 4711;
+    QTest::newRow("beyond what an id can be") << 0; // which such an id reads as
+    QTest::newRow("negative") << -7;
+}
+
 void TestLocseenForm::vanishedEntryCannotBeEdited()
 {
+    QFETCH(const int, id);
     const int before = writes();
-    LocseenForm form(4711, m_model);
+    LocseenForm form(id, m_model);
     show(form);
     QVERIFY(!number(form)->isEnabled());
     QVERIFY(!place(form)->isEnabled());
@@ -971,6 +1043,20 @@ void TestLocseenForm::newPictureMovesTheSeenDate()
     press(form, u"saveButton"_s);
     QCOMPARE(column(u"locseendate"_s), u"1995-03-04"_s);
     QCOMPARE(column(u"startdate"_s), u"2001-05-17"_s);
+}
+
+/// The field shows today for a date that is missing; a picture of today gives that date for good.
+void TestLocseenForm::pictureGivesTheDateThatWasMissing()
+{
+    const int entry = m_catalogue->addEntry(u"11109"_s, m_model);
+    run(u"UPDATE loc_seen SET locseendate = NULL"_s);
+    LocseenForm form(entry, 0);
+    show(form);
+    addPicture(form, writeSource(seenDate(form)->date()));
+    QVERIFY(canSave(form));
+    const QDate taken = seenDate(form)->date();
+    press(form, u"closeButton"_s);
+    QCOMPARE(column(u"locseendate"_s), taken.toString(Qt::ISODate));
 }
 
 void TestLocseenForm::pictureOfTheSameDayLeavesNothingToSave()

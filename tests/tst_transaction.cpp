@@ -1,3 +1,4 @@
+#include "store/database.h"
 #include "store/statement.h"
 #include "store/transaction.h"
 #include "tests/support/testcatalogue.h"
@@ -24,6 +25,8 @@ private Q_SLOTS:
     void uncommittedWorkIsRolledBack();
     void committedWorkStays();
     void anotherWriterStopsItAtTheBeginning();
+    void readerStopsAnExclusiveOneAtTheBeginning();
+    void durabilityIsSetWhenTheFileWasLockedWhileOpening();
     void usedRowIsNotDeleted();
     void failedCountStopsADeletion();
 
@@ -62,6 +65,42 @@ void TestTransaction::anotherWriterStopsItAtTheBeginning()
     }
     QSqlDatabase::removeDatabase(u"other"_s);
     QCOMPARE(m_catalogue->value(u"SELECT COUNT(*) FROM locomotive"_s).toInt(), 0);
+}
+
+void TestTransaction::readerStopsAnExclusiveOneAtTheBeginning()
+{
+    {
+        QSqlDatabase other = QSqlDatabase::addDatabase(u"QSQLITE"_s, u"other"_s);
+        other.setDatabaseName(databasePath());
+        QVERIFY(other.open());
+        QSqlQuery reading(other);
+        QVERIFY(reading.exec(u"SELECT * FROM settings"_s) && reading.next());
+        QVERIFY(Transaction().isOpen());
+        const Transaction refused(Transaction::Kind::Exclusive);
+        QVERIFY(!refused.isOpen());
+        QVERIFY(refused.errorText().contains(u"locked"_s));
+        reading.finish();
+        QVERIFY(QSqlQuery(other).exec(u"UPDATE settings SET value = 1"_s)); // nothing is left locked
+        QVERIFY(Transaction(Transaction::Kind::Exclusive).isOpen());
+    }
+    QSqlDatabase::removeDatabase(u"other"_s);
+}
+
+void TestTransaction::durabilityIsSetWhenTheFileWasLockedWhileOpening()
+{
+    QSqlDatabase::database().close();
+    {
+        QSqlDatabase other = QSqlDatabase::addDatabase(u"QSQLITE"_s, u"other"_s);
+        other.setDatabaseName(databasePath());
+        QVERIFY(other.open());
+        QVERIFY(QSqlQuery(other).exec(u"BEGIN EXCLUSIVE"_s));
+        QVERIFY(connectDatabase());
+        QVERIFY(QSqlQuery(other).exec(u"ROLLBACK"_s));
+    }
+    QSqlDatabase::removeDatabase(u"other"_s);
+    QCOMPARE(m_catalogue->value(u"PRAGMA synchronous"_s).toInt(), 2); // what opening could not set
+    QVERIFY(executeWrite(u"UPDATE settings SET value = 1"_s).done);
+    QCOMPARE(m_catalogue->value(u"PRAGMA synchronous"_s).toInt(), 3);
 }
 
 void TestTransaction::usedRowIsNotDeleted()

@@ -13,15 +13,16 @@ namespace {
 class Photograph final
 {
 public:
-    Photograph(const Motif &motif, QImage &image)
+    Photograph(const Motif &motif, const QSize &frame, QImage &image)
         : m_motif(motif)
         , m_class(locomotiveClasses().at(motif.locomotiveClass))
         , m_day(motif.season, motif.light)
         , m_random(motif.seed)
-        , m_frame(image.rect())
+        , m_frame(QPoint(), frame)
         , m_painter(&image)
     {
         m_painter.setRenderHint(QPainter::Antialiasing);
+        m_painter.scale(double(image.width()) / frame.width(), double(image.height()) / frame.height());
     }
 
     void paint();
@@ -197,10 +198,10 @@ void Photograph::finish()
 
 } // namespace
 
-QImage paintPhotograph(const Motif &motif)
+QImage paintPhotograph(const Motif &motif, const QSize &size)
 {
-    const bool isPortrait = motif.view == View::Portrait;
-    QImage image(isPortrait ? QSize(800, 1200) : QSize(1200, 800), QImage::Format_RGB32);
-    Photograph(motif, image).paint();
+    const QSize frame = motif.view == View::Portrait ? QSize(800, 1200) : QSize(1200, 800);
+    QImage image(size.isEmpty() ? frame : size, QImage::Format_RGB32);
+    Photograph(motif, frame, image).paint();
     return image;
 }

@@ -18,5 +18,6 @@ struct Motif
     quint32 seed = 1;
 };
 
-/// Paints the photograph, 1200 x 800 pixels or, as a portrait, 800 x 1200.
-[[nodiscard]] QImage paintPhotograph(const Motif &motif);
+/// Paints the photograph, 1200 x 800 pixels or, as a portrait, 800 x 1200. A larger `size` shows the same with edges
+/// as sharp as a camera of that size could see them.
+[[nodiscard]] QImage paintPhotograph(const Motif &motif, const QSize &size = {});

@@ -52,6 +52,48 @@ QStringList rowLines(const QString &table, const QSqlDatabase &database)
     return lines;
 }
 
+/// Each value as SQLite itself would write it into a statement, which tells a text from a number and from a blob.
+QStringList exactLines(const QString &table, const QSqlDatabase &database)
+{
+    QStringList columns;
+    const QSqlRecord record = database.record(table);
+    for (int i = 0; i < record.count(); ++i) {
+        columns.append(u"quote(%1)"_s.arg(record.fieldName(i)));
+    }
+    QStringList lines;
+    QSqlQuery query(u"SELECT %1 FROM %2 ORDER BY id"_s.arg(columns.join(u"||'|'||"_s), table), database);
+    while (query.next()) {
+        lines.append(u"  "_s + query.value(0).toString());
+    }
+    return lines;
+}
+
+using LinesOfTable = QStringList (*)(const QString &table, const QSqlDatabase &database);
+
+QString dump(const QString &folder, bool withSettings, LinesOfTable linesOf)
+{
+    const QString name = u"dump"_s;
+    const QString file = folder + u"/Data/bahnakte.dat"_s;
+    QStringList lines;
+    if (QFile::exists(file)) {
+        QSqlDatabase database = QSqlDatabase::addDatabase(u"QSQLITE"_s, name);
+        database.setDatabaseName(file);
+        if (!database.open()) {
+            qFatal("%s", qUtf8Printable(database.lastError().text()));
+        }
+        QSqlQuery tables(u"SELECT name FROM sqlite_master WHERE name NOT LIKE 'sqlite%' ORDER BY rowid"_s, database);
+        while (tables.next()) {
+            const QString table = tables.value(0).toString();
+            if (withSettings || table != u"settings"_s) {
+                lines.append(table);
+                lines += linesOf(table, database);
+            }
+        }
+    }
+    QSqlDatabase::removeDatabase(name);
+    return lines.join(u'\n');
+}
+
 } // namespace
 
 FaultFolder::FaultFolder()
@@ -88,26 +130,12 @@ bool isLongRun()
 
 QString catalogueDump(const QString &folder, bool withSettings)
 {
-    const QString name = u"dump"_s;
-    const QString file = folder + u"/Data/bahnakte.dat"_s;
-    QStringList lines;
-    if (QFile::exists(file)) {
-        QSqlDatabase database = QSqlDatabase::addDatabase(u"QSQLITE"_s, name);
-        database.setDatabaseName(file);
-        if (!database.open()) {
-            qFatal("%s", qUtf8Printable(database.lastError().text()));
-        }
-        QSqlQuery tables(u"SELECT name FROM sqlite_master WHERE name NOT LIKE 'sqlite%' ORDER BY rowid"_s, database);
-        while (tables.next()) {
-            const QString table = tables.value(0).toString();
-            if (withSettings || table != u"settings"_s) {
-                lines.append(table);
-                lines += rowLines(table, database);
-            }
-        }
-    }
-    QSqlDatabase::removeDatabase(name);
-    return lines.join(u'\n');
+    return dump(folder, withSettings, rowLines);
+}
+
+QString exactDump(const QString &folder)
+{
+    return dump(folder, false, exactLines);
 }
 
 QStringList damages(const QString &folder)

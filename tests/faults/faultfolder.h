@@ -23,6 +23,16 @@ private:
 /// Whether the long share was asked for, with scripts/test --long.
 [[nodiscard]] bool isLongRun();
 
+/// Whether this is the build with sanitizers, where measures of memory mean nothing.
+[[nodiscard]] constexpr bool isSanitized()
+{
+#ifdef BAHNITO_SANITIZED
+    return true;
+#else
+    return false;
+#endif
+}
+
 /// `quick` in the run for every day, `longCount` in the long one.
 [[nodiscard]] inline int share(int quick, int longCount)
 {
@@ -33,6 +43,9 @@ private:
 /// Settings are left out unless `withSettings`. Reads through a connection of its own, which rolls back what a killed
 /// program has left.
 [[nodiscard]] QString catalogueDump(const QString &folder, bool withSettings = false);
+
+/// All rows but the settings with every value exactly as it is stored: 14201 is not '14201', and NULL not 'NULL'.
+[[nodiscard]] QString exactDump(const QString &folder);
 
 /// The findings of the catalogue check that are damage. A file without a row is none: it costs room and nothing else.
 [[nodiscard]] QStringList damages(const QString &folder);

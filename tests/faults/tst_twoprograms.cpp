@@ -9,9 +9,77 @@
 
 #include <QDir>
 #include <QElapsedTimer>
+#include <QMap>
+#include <QSqlDatabase>
+#include <QSqlQuery>
 #include <QTest>
 
 using namespace Qt::StringLiterals;
+
+namespace {
+
+const QStringList Tables { u"locomotive"_s, u"loc_model"_s, u"loc_seen"_s, u"loc_picture"_s };
+
+/// Has this program's own connection note which rows it stores and deletes. A rollback takes its notes back, too.
+void keepJournal()
+{
+    QSqlQuery query;
+    bool isKept = query.exec(u"CREATE TEMP TABLE journal (line TEXT, step INTEGER)"_s);
+    for (const QString &table : Tables) {
+        isKept = isKept
+            && query.exec(u"CREATE TEMP TRIGGER %1_stored AFTER INSERT ON main.%1 BEGIN "
+                          "INSERT INTO journal VALUES ('%1 '||NEW.id, 1); END"_s.arg(table))
+            && query.exec(u"CREATE TEMP TRIGGER %1_deleted AFTER DELETE ON main.%1 BEGIN "
+                          "INSERT INTO journal VALUES ('%1 '||OLD.id, -1); END"_s.arg(table));
+    }
+    if (!isKept) {
+        qFatal("no journal");
+    }
+}
+
+void reportJournal()
+{
+    QSqlQuery query(u"SELECT line, SUM(step) FROM journal GROUP BY line"_s);
+    while (query.next()) {
+        ForkedRun::report(query.value(0).toString() + u' ' + query.value(1).toString());
+    }
+}
+
+/// Table and id of every row, each counted once.
+QMap<QString, int> rowsOf(const QString &folder)
+{
+    QMap<QString, int> rows;
+    const QString name = u"rows"_s;
+    {
+        QSqlDatabase database = QSqlDatabase::addDatabase(u"QSQLITE"_s, name);
+        database.setDatabaseName(folder + u"/Data/bahnakte.dat"_s);
+        if (!database.open()) {
+            qFatal("the catalogue could not be opened");
+        }
+        for (const QString &table : Tables) {
+            QSqlQuery query(u"SELECT id FROM "_s + table, database);
+            while (query.next()) {
+                rows.insert(table + u' ' + query.value(0).toString(), 1);
+            }
+        }
+    }
+    QSqlDatabase::removeDatabase(name);
+    return rows;
+}
+
+/// Adds what a program has reported; rows that are neither new nor there any more are left out.
+void follow(QMap<QString, int> &rows, const QStringList &journal)
+{
+    for (const QString &line : journal) {
+        const qsizetype step = line.lastIndexOf(u' ');
+        rows[line.left(step)] += line.mid(step + 1).toInt();
+        if (rows.value(line.left(step)) == 0) {
+            rows.remove(line.left(step));
+        }
+    }
+}
+
+} // namespace
 
 /// Two windows on one folder.
 class TestTwoPrograms final : public QObject
@@ -35,10 +103,12 @@ void TestTwoPrograms::randomWorkLosesNothing()
         makeSampleCatalogue(work);
         makeSamplePhotographs(photographs);
     }).isGood());
+    QMap<QString, int> expected = rowsOf(work);
     const auto useFor = [&](quint32 seed) {
         return [&, seed] {
             QDir::setCurrent(work);
             RandomUser user(seed, RandomUser::Work, photographs);
+            keepJournal();
             QElapsedTimer timer;
             timer.start();
             int actions = 0;
@@ -47,6 +117,7 @@ void TestTwoPrograms::randomWorkLosesNothing()
                 ++actions;
             }
             ForkedRun::report(QString::number(actions));
+            reportJournal();
         };
     };
     ForkedRun first(useFor(11));
@@ -59,6 +130,10 @@ void TestTwoPrograms::randomWorkLosesNothing()
     // An entry that one deletes while the other adds a picture to it leaves the picture without an entry.
     findings.removeIf([](const QString &finding) { return finding.endsWith(u"die Zeile in loc_seen fehlt"_s); });
     QCOMPARE(findings, QStringList());
+    follow(expected, firstEnd.lines.mid(1));
+    follow(expected, secondEnd.lines.mid(1));
+    QVERIFY(firstEnd.lines.size() > 5 && secondEnd.lines.size() > 5); // both have stored something
+    QCOMPARE(rowsOf(work), expected);
     qInfo("%s and %s actions", qPrintable(firstEnd.lines.value(0)), qPrintable(secondEnd.lines.value(0)));
 }
 

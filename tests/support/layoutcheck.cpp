@@ -5,7 +5,10 @@
 #include "browser/textitem.h"
 #include "tests/support/testpictures.h"
 
+#include <QPainter>
 #include <QRandomGenerator>
+
+#include <algorithm>
 
 using namespace Qt::StringLiterals;
 
@@ -33,6 +36,17 @@ bool overlap(const QGraphicsItem *first, const QGraphicsItem *second)
     return rect.intersects(LayoutCheck::shown(second));
 }
 
+bool hasInk(const QImage &image, const QRect &area)
+{
+    for (int y = area.top(); y <= area.bottom(); ++y) {
+        const auto *line = reinterpret_cast<const QRgb *>(image.constScanLine(y));
+        if (std::any_of(line + area.left(), line + area.right() + 1, [](QRgb pixel) { return qAlpha(pixel) > 0; })) {
+            return true;
+        }
+    }
+    return false;
+}
+
 /// The first two of the items that overlap; empty when there are none.
 QString overlapFault(const QList<QGraphicsItem *> &items)
 {
@@ -41,6 +55,19 @@ QString overlapFault(const QList<QGraphicsItem *> &items)
             if (overlap(items.at(i), items.at(k))) {
                 return u"%1 overlaps %2"_s.arg(described(items.at(i)), described(items.at(k)));
             }
+        }
+    }
+    return {};
+}
+
+/// The first of the texts among the items whose letters leave its bounds; empty when there is none.
+QString inkFaultOf(const QList<QGraphicsItem *> &items)
+{
+    for (QGraphicsItem *item : items) {
+        auto *text = qgraphicsitem_cast<TextItem *>(item);
+        const QString fault = text ? LayoutCheck::inkFault(text) : QString();
+        if (!fault.isEmpty()) {
+            return fault;
         }
     }
     return {};
@@ -57,6 +84,32 @@ QRectF LayoutCheck::shown(const QGraphicsItem *item)
     return item->mapRectToScene(photo ? photo->frame() : item->boundingRect());
 }
 
+QString LayoutCheck::inkFault(TextItem *text)
+{
+    constexpr int Beyond = 16; // pixels looked at around the bounds
+    constexpr int Lean = 6; // less than what texts keep from pictures, buttons and each other
+    constexpr int Rise = 5;
+    const QRectF bounds = text->boundingRect();
+    const QSize size = bounds.toAlignedRect().size();
+    QImage image(size + QSize(2 * Beyond, 2 * Beyond), QImage::Format_ARGB32_Premultiplied);
+    image.fill(Qt::transparent);
+    QPainter painter(&image);
+    painter.translate(QPointF(Beyond, Beyond) - bounds.topLeft());
+    text->paint(&painter, nullptr, nullptr);
+    painter.end();
+    const QRect all = image.rect();
+    const QRect allowed = QRect({ Beyond, Beyond }, size).adjusted(-Lean, -Rise, Lean, Rise);
+    for (const QRect &strip : { QRect(all.topLeft(), QPoint(all.right(), allowed.top() - 1)),
+             QRect(QPoint(0, allowed.bottom() + 1), all.bottomRight()),
+             QRect(QPoint(0, allowed.top()), QPoint(allowed.left() - 1, allowed.bottom())),
+             QRect(QPoint(allowed.right() + 1, allowed.top()), QPoint(all.right(), allowed.bottom())) }) {
+        if (hasInk(image, strip)) {
+            return u"letters of \"%1\" leave their bounds"_s.arg(text->toPlainText());
+        }
+    }
+    return {};
+}
+
 QString LayoutCheck::blockFault(const EntryBlock *block)
 {
     const QList<QGraphicsItem *> items = block->childItems();
@@ -65,7 +118,8 @@ QString LayoutCheck::blockFault(const EntryBlock *block)
             return u"%1 leaves its card"_s.arg(described(item));
         }
     }
-    return overlapFault(items);
+    const QString fault = inkFaultOf(items);
+    return fault.isEmpty() ? overlapFault(items) : fault;
 }
 
 QString LayoutCheck::pageFault(const PictureScene &canvas)
@@ -87,7 +141,8 @@ QString LayoutCheck::pageFault(const PictureScene &canvas)
             return fault;
         }
     }
-    return overlapFault(contents);
+    const QString fault = inkFaultOf(contents);
+    return fault.isEmpty() ? overlapFault(contents) : fault;
 }
 
 QString LayoutCheck::anyText(QRandomGenerator &random, int longest)

@@ -8,6 +8,7 @@ class EntryBlock;
 class PictureScene;
 class QGraphicsItem;
 class QRandomGenerator;
+class TextItem;
 
 /// What must hold for everything that stands on a canvas, whatever the catalogue's texts and pictures are.
 namespace LayoutCheck {
@@ -15,7 +16,12 @@ namespace LayoutCheck {
 /// The part of an item that the user sees, in scene pixels: buttons and photographs keep a margin for the focus mark.
 [[nodiscard]] QRectF shown(const QGraphicsItem *item);
 
-/// What is wrong with the block; empty when nothing leaves the card and no two of its items overlap.
+/// What of the text's letters is painted beyond its bounds; empty when nothing is but the lean of slanted letters and
+/// what some scripts stack above a line.
+[[nodiscard]] QString inkFault(TextItem *text);
+
+/// What is wrong with the block; empty when nothing leaves the card, no letters leave their text's bounds, and no two
+/// of its items overlap.
 [[nodiscard]] QString blockFault(const EntryBlock *block);
 
 /// What is wrong with the canvas; empty when its blocks, texts, photographs and buttons stand apart from each other

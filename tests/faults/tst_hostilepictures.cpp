@@ -1,0 +1,316 @@
+#include "app/startup.h"
+#include "forms/picturefiledialog.h"
+#include "forms/picturepreview.h"
+#include "store/pictureloader.h"
+#include "tests/faults/dialoganswerer.h"
+#include "tests/faults/faultfolder.h"
+#include "tests/faults/forkedrun.h"
+#include "tests/faults/pictureforgery.h"
+#include "tests/faults/pictureuse.h"
+#include "tests/faults/samplecatalogue.h"
+#include "tests/support/testmain.h"
+#include "tests/support/testpictures.h"
+
+#include <QDir>
+#include <QRandomGenerator>
+#include <QTest>
+#include <QTreeView>
+
+#include <algorithm>
+
+#include <sys/stat.h>
+
+using namespace Qt::StringLiterals;
+using namespace PictureUse;
+
+namespace {
+
+constexpr int LongestLook = 5000; // ms of computing
+constexpr double MostMemory = 600; // MB
+
+} // namespace
+
+/// Photographs that are broken or made to do harm, on their way from the choice to the stored copy.
+class TestHostilePictures final : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+    void mutatedPicturesAreSurvived();
+    void mutatedPicturesAreStoredOrRefused();
+    void hugeHeadersCostNeitherTimeNorMemory_data();
+    void hugeHeadersCostNeitherTimeNorMemory();
+    void overloadedFilesCostNeitherTimeNorMemory_data();
+    void overloadedFilesCostNeitherTimeNorMemory();
+    void fullColoursAreKeptOnlyInHalfAGigabyte();
+    void hugeSparseFileIsNoPicture_data();
+    void hugeSparseFileIsNoPicture();
+    void whatIsNoFileIsNoPicture();
+    void rarePicturesAreRead();
+    void hugePhotographIsRead_data();
+    void hugePhotographIsRead();
+    void markedPictureIsShownOnlyWhereThatIsQuick();
+
+private:
+    void checkLimits(const Figures &figures);
+    [[nodiscard]] QString path(const QString &name) const { return m_folder.path(name); }
+
+    FaultFolder m_folder;
+    QList<QByteArray> m_samples;
+};
+
+void TestHostilePictures::initTestCase()
+{
+    QVERIFY(runForked([this] {
+        for (qsizetype i = 0; const QByteArray &sample : PictureForgery::samples()) {
+            write(path(QString::number(i++)), sample);
+        }
+    }).isGood());
+    for (int i = 0; QFile::exists(path(QString::number(i))); ++i) {
+        QFile file(path(QString::number(i)));
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        m_samples.append(file.readAll());
+    }
+    QCOMPARE(m_samples.size(), PictureForgery::SampleCount);
+}
+
+void TestHostilePictures::checkLimits(const Figures &figures)
+{
+    qInfo("%d readable, slowest %d ms, at most %.0f MB", figures.readable, figures.slowest, figures.memory);
+    QVERIFY(figures.slowest < LongestLook);
+    QVERIFY(isSanitized() || figures.memory < MostMemory);
+}
+
+void TestHostilePictures::mutatedPicturesAreSurvived()
+{
+    constexpr int Batch = 250;
+    const int files = share(2000, 20000);
+    Figures all;
+    for (int first = 0; first < files; first += Batch) {
+        const Figures figures = figuresOf(path(u"hostile"_s), Batch, [this, first](int i) {
+            QRandomGenerator random(quint32(first + i) + 1);
+            write(path(u"hostile"_s), PictureForgery::mutated(m_samples, random));
+        });
+        all.readable += figures.readable;
+        all.slowest = std::max(all.slowest, figures.slowest);
+        all.memory = std::max(all.memory, figures.memory);
+    }
+    checkLimits(all);
+    QVERIFY(all.readable > files / 20); // else the damage is so great that nothing was tried
+}
+
+void TestHostilePictures::mutatedPicturesAreStoredOrRefused()
+{
+    const int files = share(100, 2000);
+    const QString photograph = path(u"photographs/hostile.jpg"_s);
+    QVERIFY(QDir().mkpath(path(u"photographs"_s)));
+    QVERIFY(runForked([this] { makeSampleCatalogue(path(u"work"_s)); }).isGood());
+    std::unique_ptr<DialogAnswerer> answers;
+    const Figures figures = figuresOf(
+        photograph, files,
+        [&](int i) {
+            if (!answers) { // the first one: the process has just begun
+                QDir::setCurrent(path(u"work"_s));
+                if (!Startup::openCatalogue()) {
+                    qFatal("no catalogue");
+                }
+                answers = std::make_unique<DialogAnswerer>();
+            }
+            QRandomGenerator random(quint32(i) + 1000000);
+            write(photograph, PictureForgery::mutated(m_samples, random));
+        },
+        [&](const QString &file) {
+            const QByteArray before = folderDigest(QFileInfo(file).path());
+            const bool isStored = useInForm(file, *answers);
+            if (folderDigest(QFileInfo(file).path()) != before) {
+                qFatal("the photograph was touched");
+            }
+            return isStored;
+        });
+    checkLimits(figures);
+    QVERIFY(figures.readable > files / 20);
+    QVERIFY(figures.readable < files); // some must have been refused
+}
+
+void TestHostilePictures::hugeHeadersCostNeitherTimeNorMemory_data()
+{
+    QTest::addColumn<int>("sample");
+    QTest::addColumn<int>("length");
+    for (const int length : { 12000, 30000, 60000 }) {
+        QTest::addRow("JPEG of %d pixels", length) << int(PictureForgery::Baseline) << length;
+        QTest::addRow("progressive JPEG of %d pixels", length) << int(PictureForgery::Progressive) << length;
+        QTest::addRow("PNG of %d pixels", length) << int(PictureForgery::Png) << length;
+        QTest::addRow("CMYK of %d pixels", length) << int(PictureForgery::Cmyk) << length;
+    }
+}
+
+void TestHostilePictures::hugeHeadersCostNeitherTimeNorMemory()
+{
+    QFETCH(const int, sample);
+    QFETCH(const int, length);
+    checkLimits(figuresOf(path(u"huge"_s), 1,
+        [&](int) { write(path(u"huge"_s), PictureForgery::withSize(m_samples.at(sample), length, length)); }));
+}
+
+void TestHostilePictures::overloadedFilesCostNeitherTimeNorMemory_data()
+{
+    using namespace PictureForgery;
+    QTest::addColumn<QByteArray>("bytes");
+    QTest::addColumn<bool>("readable");
+    const QByteArray progressive = m_samples.at(Progressive);
+    const QByteArray large = withSize(progressive, 8000, 6000);
+    const QByteArray baseline = m_samples.at(Baseline);
+    QTest::newRow("a few scans more") << withScans(progressive, 20) << true;
+    QTest::newRow("some hundred scans of a small picture") << withScans(progressive, 500) << true;
+    QTest::newRow("some hundred scans of a large picture") << withScans(large, 500) << false;
+    QTest::newRow("thousands of scans of a small picture") << withScans(progressive, 5000) << false;
+    QTest::newRow("rubbish in the header") << withRubbish(baseline, 60000) << true;
+    QTest::newRow("much rubbish in the header") << withRubbish(baseline, 4'000'000) << false;
+    QTest::newRow("zeros behind the end") << baseline + QByteArray(4'000'000, '\0') << true;
+    QTest::newRow("fill bytes behind the end") << baseline + QByteArray(4'000'000, '\xFF') << true;
+    QTest::newRow("empty segments behind the end")
+        << baseline + QByteArray("\xFF\xE1\0\2", 4).repeated(1'000'000) << true;
+    QTest::newRow("empty segments in place of the end")
+        << baseline.chopped(2) + QByteArray("\xFF\xE1\0\2", 4).repeated(10'000'000) + "\xFF\xD9" << false;
+    QTest::newRow("empty segments before the picture")
+        << baseline.first(2) + QByteArray("\xFF\xE1\0\2", 4).repeated(1'000'000) + baseline.sliced(2) << false;
+    QTest::newRow("gigapixels of black") << black(60000) << true;
+}
+
+void TestHostilePictures::overloadedFilesCostNeitherTimeNorMemory()
+{
+    QFETCH(const QByteArray, bytes);
+    const Figures figures = figuresOf(path(u"overloaded"_s), 1, [&](int) { write(path(u"overloaded"_s), bytes); });
+    checkLimits(figures);
+    QTEST(figures.readable == 1, "readable");
+}
+
+/// A progressive picture of 89 megapixels takes all of it, one of 108 would take more.
+void TestHostilePictures::fullColoursAreKeptOnlyInHalfAGigabyte()
+{
+    const QByteArray fullColours = PictureForgery::withFullColours(m_samples.at(PictureForgery::Progressive));
+    for (const auto &[size, readable] : { std::pair(QSize(10900, 8200), 1), std::pair(QSize(12000, 9000), 0) }) {
+        write(path(u"colours"_s), PictureForgery::withSize(fullColours, size.width(), size.height()));
+        const Figures figures = figuresOf(path(u"colours"_s), 1, [](int) {});
+        checkLimits(figures);
+        QCOMPARE(figures.readable, readable);
+    }
+}
+
+void TestHostilePictures::hugeSparseFileIsNoPicture_data()
+{
+    QTest::addColumn<QByteArray>("start");
+    QTest::addColumn<qint64>("megabytes");
+    const QByteArray baseline = m_samples.at(PictureForgery::Baseline);
+    for (const qint64 megabytes : { 300, 40000 }) {
+        QTest::addRow("%lld MB behind a start marker", megabytes) << QByteArray("\xFF\xD8\xFF") << megabytes;
+        QTest::addRow("%lld MB in place of the end", megabytes) << baseline.chopped(2) << megabytes;
+        QTest::addRow("%lld MB of PNG", megabytes) << m_samples.at(PictureForgery::Png).first(60) << megabytes;
+    }
+}
+
+/// Nothing but zeros from some place on, which take no room on the disk.
+void TestHostilePictures::hugeSparseFileIsNoPicture()
+{
+    QFETCH(const QByteArray, start);
+    QFETCH(const qint64, megabytes);
+    const QString name = path(u"sparse"_s);
+    write(name, start);
+    QVERIFY(QFile::resize(name, megabytes * 1024 * 1024));
+    const Figures figures = figuresOf(name, 1, [](int) {});
+    QVERIFY(QFile::remove(name));
+    checkLimits(figures);
+    QCOMPARE(figures.readable, 0);
+}
+
+void TestHostilePictures::whatIsNoFileIsNoPicture()
+{
+    const QString pipe = path(u"pipe.jpg"_s);
+    QCOMPARE(mkfifo(qPrintable(pipe), 0600), 0);
+    write(path(u"leer.jpg"_s), {});
+    QVERIFY(QDir().mkpath(path(u"ordner.jpg"_s)));
+    QVERIFY(QFile::link(u"/dev/zero"_s, path(u"zero.jpg"_s)));
+    for (const QString &name : { pipe, path(u"leer.jpg"_s), path(u"ordner.jpg"_s), path(u"zero.jpg"_s), u"/dev/zero"_s,
+             u"/dev/tty"_s, QString(), u"/"_s }) {
+        const Figures figures = figuresOf(name, 1, [](int) {});
+        checkLimits(figures);
+        QCOMPARE(figures.readable, 0);
+    }
+}
+
+void TestHostilePictures::rarePicturesAreRead()
+{
+    using namespace PictureForgery;
+    for (const int sample : { Progressive, DeepPng, PalettePng, Cmyk }) {
+        QCOMPARE(figuresOf(path(QString::number(sample)), 1, [](int) {}).readable, 1);
+    }
+    for (int orientation = 1; orientation <= 8; ++orientation) {
+        writeTestJpeg(path(u"turned"_s), { 90, 60 }, orientation);
+        QCOMPARE(figuresOf(path(u"turned"_s), 1, [](int) {}).readable, 1);
+        QCOMPARE(pictureSize(path(u"turned"_s)), orientation > 4 ? QSize(60, 90) : QSize(90, 60));
+    }
+}
+
+void TestHostilePictures::hugePhotographIsRead_data()
+{
+    QTest::addColumn<QByteArray>("format");
+    QTest::addColumn<bool>("progressive");
+    QTest::newRow("baseline JPEG") << QByteArray("JPEG") << false;
+    QTest::newRow("progressive JPEG") << QByteArray("JPEG") << true;
+    QTest::newRow("PNG") << QByteArray("PNG") << false;
+}
+
+/// 108 megapixels, as the largest sensors of telephones have them.
+void TestHostilePictures::hugePhotographIsRead()
+{
+    QFETCH(const QByteArray, format);
+    QFETCH(const bool, progressive);
+    const QString name = path(u"108"_s);
+    QVERIFY(runForked([&] {
+        QImage image(12000, 9000, QImage::Format_RGB32);
+        image.fill(qRgb(90, 120, 60));
+        write(name, PictureForgery::encoded(image, format.constData(), progressive));
+    }).isGood());
+    const Figures figures = figuresOf(name, 1, [](int) {});
+    checkLimits(figures);
+    QCOMPARE(figures.readable, 1);
+}
+
+/// Marks the files of a folder in the file dialog one after the other.
+void TestHostilePictures::markedPictureIsShownOnlyWhereThatIsQuick()
+{
+    const QString folder = path(u"Fotos"_s);
+    QVERIFY(QDir().mkpath(folder));
+    const ForkedRun::End end = runForked([this, &folder] {
+        QImage image(7000, 5000, QImage::Format_Grayscale8);
+        image.fill(Qt::gray);
+        write(folder + u"/a.png"_s, PictureForgery::encoded(image, "PNG"));
+        write(folder + u"/b.png"_s, m_samples.at(PictureForgery::Png));
+        write(folder + u"/c.jpg"_s, PictureForgery::encoded(image, "JPEG"));
+        PictureFileDialog dialog(nullptr, u"Open File"_s, folder, u"Images (*.png *.jpg)"_s);
+        dialog.show();
+        auto *list = dialog.findChild<QTreeView *>(u"treeView"_s);
+        auto *preview = dialog.findChild<PicturePreview *>(u"filePreview"_s);
+        const auto rows = [list] { return list->model()->rowCount(list->rootIndex()); };
+        if (!QTest::qWaitFor([&rows] { return rows() == 3; })) {
+            qFatal("%d files are listed", rows());
+        }
+        const QStringList names { u"a.png"_s, u"b.png"_s, u"c.jpg"_s };
+        for (const QString &name : names) { // not by rows, which are sorted later
+            preview->clear();
+            const QImage untouched = preview->grab().toImage();
+            const QModelIndex first = list->model()->index(0, 0, list->rootIndex());
+            list->setCurrentIndex(list->model()->match(first, Qt::DisplayRole, name).value(0));
+            const bool isChanged = QTest::qWaitFor([&] { return preview->grab().toImage() != untouched; });
+            const bool isShown = !preview->scene()->items().isEmpty();
+            const QString outcome = !isChanged ? u"nothing"_s : isShown ? u"picture"_s : u"notice"_s;
+            ForkedRun::report(name + u": "_s + outcome);
+        }
+    });
+    QVERIFY2(end.isGood(), qPrintable(end.description()));
+    QCOMPARE(end.lines, QStringList({ u"a.png: notice"_s, u"b.png: picture"_s, u"c.jpg: picture"_s }));
+}
+
+BAHNITO_TEST_MAIN(TestHostilePictures)
+#include "tst_hostilepictures.moc"
