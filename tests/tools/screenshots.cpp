@@ -1,7 +1,6 @@
 #include "app/startup.h"
 #include "browser/canvasview.h"
 #include "browser/entryblock.h"
-#include "browser/loadprogress.h"
 #include "browser/picturescene.h"
 #include "browser/viewholder.h"
 #include "forms/locgroupform.h"
@@ -9,29 +8,30 @@
 #include "forms/locpictureform.h"
 #include "forms/locseenform.h"
 #include "search/clock.h"
-#include "search/messagebox.h"
 #include "store/statement.h"
 #include "tests/support/browserwindow.h"
 #include "tests/support/modalscript.h"
+#include "tests/tools/album.h"
+#include "tests/tools/boxpictures.h"
 
 #include <QApplication>
 #include <QCursor>
 #include <QDir>
 #include <QFile>
+#include <QFileDialog>
 #include <QMenu>
 #include <QSqlQuery>
-#include <QTableView>
 #include <QTest>
 #include <QTextStream>
 #include <QToolButton>
-
-#include <functional>
+#include <QTreeView>
 
 using namespace Qt::StringLiterals;
 
 namespace {
 
 constexpr QSize WindowSize(1280, 850); // the window's own, which the platform may have changed
+constexpr int LoadingTime = 600; // ms, of a folder or a picture in the file dialog
 constexpr int Group = 2; // of the sample catalogue, with the class that is searched
 const QString SearchedClass = u"Re 460"_s;
 
@@ -47,7 +47,8 @@ QVariant found(const QString &statement)
 
 int richestEntry()
 {
-    return found(u"SELECT locpictureid FROM loc_picture GROUP BY locpictureid ORDER BY COUNT(*) DESC, id LIMIT 1"_s)
+    return found(u"SELECT locpictureid FROM loc_picture WHERE locpictureid > 0 GROUP BY locpictureid "
+                 "ORDER BY COUNT(*) DESC, id LIMIT 1"_s)
         .toInt();
 }
 
@@ -58,56 +59,6 @@ QString someCopy()
                  "JOIN loc_model ON loc_model.id = locseenid WHERE modelname = '%1' "
                  "ORDER BY locseendate LIMIT 1 OFFSET 2"_s.arg(SearchedClass))
         .toString();
-}
-
-/// Writes what a window shows into files.
-class Album final
-{
-public:
-    explicit Album(const QString &folder)
-        : m_folder(folder)
-    { }
-
-    void add(QWidget *widget, const QString &name)
-    {
-        QTest::qWait(60); // fonts, icons and the focus are there only after the first events
-        const QString path = m_folder.filePath(name + u".png"_s);
-        if (!widget->grab().save(path)) {
-            qFatal("cannot write %s", qUtf8Printable(path));
-        }
-        QTextStream(stdout) << path << '\n';
-    }
-
-private:
-    QDir m_folder;
-};
-
-void clickRow(const QWidget *dialog, int row)
-{
-    const auto *table = dialog->findChild<QTableView *>();
-    if (!table || !table->model()->index(row, 1).isValid()) {
-        qFatal("no such row in %s", qUtf8Printable(dialog->windowTitle()));
-    }
-    const QRect cell = table->visualRect(table->model()->index(row, 1));
-    QTest::mouseClick(table->viewport(), Qt::LeftButton, {}, cell.center());
-}
-
-/// Runs `open`, which opens a modal window, and takes its picture after `prepare`; then closes it.
-void addModal(Album &album, const QString &name, const std::function<void()> &open,
-    const std::function<void(QWidget *)> &prepare = {})
-{
-    ModalScript script;
-    script.then([&](QWidget *dialog) {
-        if (prepare) {
-            prepare(dialog);
-        }
-        album.add(dialog, name);
-        dialog->close();
-    });
-    open();
-    if (!script.problems().isEmpty()) {
-        qFatal("%s: %s", qUtf8Printable(name), qUtf8Printable(script.problems().join(u"; "_s)));
-    }
 }
 
 void search(BrowserWindow &browser, const SearchWish &wish)
@@ -159,7 +110,35 @@ void addEmptyCatalogue(Album &album)
     BrowserWindow browser;
     browser.window().resize(WindowSize);
     album.add(&browser.window(), u"hauptfenster-leer"_s);
-    addModal(album, u"gruppen-leer"_s, [&] { browser.window().locGroup(); });
+    album.addModal(u"gruppen-leer"_s, [&] { browser.window().locGroup(); });
+}
+
+/// Texts that other programs stumble over, and a picture that is none.
+void addForeignTexts(Album &album)
+{
+    TestCatalogue catalogue;
+    const int group = catalogue.addGroup(u"<b>Krokodile</b> & Söhne 🚂"_s);
+    const int model = catalogue.addModel(u"<i>Ce 6/8</i> %1 🐊"_s, group);
+    const auto add = [&](const QString &number, const QString &place, const QString &comment) {
+        return catalogue.addEntry(number, model, place, QDate(1999, 9, 9), comment);
+    };
+    catalogue.addPicture(add(u"<u>14253</u>"_s, u"<h1>Erstfeld</h1> &amp; <br>"_s,
+        u"<b>fett</b><img src='x.jpg'><a href='file:///etc/passwd'>hier</a> <table><tr><td>%1 %2 \\n"_s));
+    add(u"٤٦٠ ١٢٣"_s, u"ירושלים – תל אביב"_s, u"هذا تعليق طويل باللغة العربية عن القاطرة رقم 460 في محطة Brig"_s);
+    const int broken = add(u"🚂 4️⃣6️⃣0️⃣"_s, u"𝔅𝔢𝔯𝔫 𠀀𠀁 👩‍👩‍👧‍👦"_s,
+        u"Zug 🚆🚇🚈, Berg ⛰️, zo̶̶͈r̷̈́͂̚nig é, 日本の鉄道 – Ελλάδα – Кавказ"_s);
+    catalogue.addPicture(broken);
+    QFile::remove(catalogue.value(u"SELECT pictAuxPath FROM loc_picture ORDER BY id DESC"_s).toString());
+    add(QString(18, u'W'), QString(38, u'W'), QString(198, u'W'));
+    BrowserWindow browser;
+    browser.window().resize(WindowSize);
+    album.add(&browser.window(), u"fremde-texte-start"_s);
+    if (!browser.search(group).isEmpty()) {
+        qFatal("the search found nothing");
+    }
+    album.add(&browser.window(), u"fremde-texte-liste"_s);
+    album.addModal(u"fremde-texte-suche"_s, [&] { browser.clickGroup(group); });
+    album.addModal(u"fremde-texte-eintrag"_s, [&] { LocseenForm(broken, -1).exec(); });
 }
 
 /// The sample's folder names would tell on whose machine the pictures were taken.
@@ -180,21 +159,22 @@ void addWindowParts(Album &album)
     menu->close();
     browser.window().resize(600, 500);
     album.add(&browser.window(), u"hauptfenster-klein"_s);
-    addModal(album, u"info"_s, [&] { browser.window().aboutApplication(); });
-    addModal(album, u"suche"_s, [&] { browser.clickGroup(Group); });
+    browser.window().setWindowIcon(QIcon(u":/images/Lok.png"_s));
+    album.addModal(u"info"_s, [&] { browser.window().aboutApplication(); });
+    album.addModal(u"suche"_s, [&] { browser.clickGroup(Group); });
 }
 
 void addEntryForms(Album &album)
 {
-    addModal(album, u"eintrag-neu"_s, [] { LocseenForm(-1, 6).exec(); });
-    addModal(
-        album, u"eintrag-bearbeiten"_s, [] { LocseenForm(richestEntry(), -1).exec(); },
+    album.addModal(u"eintrag-neu"_s, [] { LocseenForm(-1, 6).exec(); });
+    album.addModal(
+        u"eintrag-bearbeiten"_s, [] { LocseenForm(richestEntry(), -1).exec(); },
         [](QWidget *dialog) {
-            clickRow(dialog, 0);
+            Album::clickRow(dialog, 0);
             QTest::mouseClick(dialog->findChild<QAbstractButton *>(u"showPictureButton"_s), Qt::LeftButton);
         });
-    addModal(album, u"bild-neu"_s, [] { LocPictureForm(richestEntry(), -1).exec(); });
-    addModal(album, u"bild-zeigen"_s, [] { LocPictureForm(richestEntry(), 10).exec(); });
+    album.addModal(u"bild-neu"_s, [] { LocPictureForm(richestEntry(), -1).exec(); });
+    album.addModal(u"bild-zeigen"_s, [] { LocPictureForm(richestEntry(), 10).exec(); });
 }
 
 void addFileDialog(Album &album)
@@ -202,6 +182,11 @@ void addFileDialog(Album &album)
     ModalScript script;
     script.then([&](QWidget *form) {
         script.then([&](QWidget *dialog) {
+            auto *files = qobject_cast<QFileDialog *>(dialog);
+            files->setDirectory(files->directory().filePath(u"Ce 6-8 III"_s));
+            QTest::qWait(LoadingTime);
+            QTest::keyClick(files->findChild<QTreeView *>(u"treeView"_s), Qt::Key_Down);
+            QTest::qWait(LoadingTime);
             album.add(dialog, u"dateiauswahl"_s);
             dialog->close();
         });
@@ -213,36 +198,15 @@ void addFileDialog(Album &album)
 
 void addMaintenanceForms(Album &album)
 {
-    addModal(album, u"gruppen"_s, [] { LocGroupForm().exec(); });
-    addModal(
-        album, u"gruppen-gewaehlt"_s, [] { LocGroupForm().exec(); },
+    album.addModal(u"gruppen"_s, [] { LocGroupForm().exec(); });
+    album.addModal(
+        u"gruppen-gewaehlt"_s, [] { LocGroupForm().exec(); },
         [](QWidget *dialog) {
-            clickRow(dialog, 1);
+            Album::clickRow(dialog, 1);
             QTest::mouseClick(dialog->findChild<QAbstractButton *>(u"showPictureButton"_s), Qt::LeftButton);
         });
-    addModal(album, u"baureihen"_s, [] { LocModelForm(Group).exec(); });
-    addModal(album, u"baureihe-verschieben"_s, [] { LocGroupForm(6, u"Re 4/4 II"_s, nullptr).exec(); });
-}
-
-void addBoxes(Album &album)
-{
-    addModal(album, u"box-keine-daten"_s, [] {
-        MessageBox::warning(
-            nullptr, u"Keine Daten"_s, u"Es wurden noch keine Baureihen unter dieser Gruppe erfasst!"_s);
-    });
-    addModal(album, u"box-eintrag-entfernen"_s, [] {
-        (void)MessageBox::confirm(nullptr, u"Eintrag Entfernen"_s,
-            u"Eintrag 32 mit der Lok-Nummer 11604 und alle dazugehörenden Bilder löschen?"_s);
-    });
-    addModal(album, u"box-datei-info"_s,
-        [] { MessageBox::information(nullptr, u"File-Info"_s, u"Die Datei ist kein lesbares Bild!"_s); });
-    LoadProgress progress(u"Weitere 40 von 4711 Einträge laden..."_s, 4711, nullptr, 0);
-    (void)progress.advance(1500);
-    for (QWidget *widget : QApplication::topLevelWidgets()) {
-        if (widget->inherits("QProgressDialog")) {
-            album.add(widget, u"fortschritt"_s);
-        }
-    }
+    album.addModal(u"baureihen"_s, [] { LocModelForm(Group).exec(); });
+    album.addModal(u"baureihe-verschieben"_s, [] { LocGroupForm(6, u"Re 4/4 II"_s, nullptr).exec(); });
 }
 
 } // namespace
@@ -258,6 +222,7 @@ int main(int argc, char *argv[])
     }
     Startup::setLibraryPaths();
     Startup::speakGerman(application);
+    Startup::dress();
     Startup::makeDataFolders();
     if (!Startup::openCatalogue()) {
         return 1;
@@ -275,6 +240,8 @@ int main(int argc, char *argv[])
     addFileDialog(album);
     addMaintenanceForms(album);
     addBoxes(album);
+    addBoxesOfForms(album);
+    addForeignTexts(album);
     addEmptyCatalogue(album);
     return 0;
 }
