@@ -13,7 +13,6 @@
 #include <QApplication>
 #include <QComboBox>
 #include <QDialog>
-#include <QPlainTextEdit>
 #include <QPushButton>
 #include <QTextEdit>
 
