@@ -104,7 +104,7 @@ WriteOutcome LocseenForm::storeEdits()
     QList<QSqlRecord> rows;
     CatalogQuery::instance().entryById(rows, m_entryId);
     const QSqlRecord row = editedRow(rows.value(0, m_row));
-    const WriteOutcome outcome = runWrite(
+    WriteOutcome outcome = runWrite(
         u"UPDATE loc_seen SET nummer = :num, ort = :ort, kommentar = :kmt,  locseendate = :seend WHERE id = %1"_s.arg(
             m_entryId),
         { { u":num"_s, row.value(u"nummer"_s) }, { u":ort"_s, row.value(u"ort"_s) },
