@@ -35,11 +35,6 @@ void showPath(QLineEdit *edit, const QString &path)
     edit->setToolTip(path.isEmpty() ? QString() : Qt::convertFromPlainText(shownText(path)));
 }
 
-bool isTaken(const QString &path)
-{
-    return QFileInfo::exists(path) || QFileInfo(path).isSymLink();
-}
-
 } // namespace
 
 LocPictureForm::LocPictureForm(int entryId, int pictureId, QWidget *parent)

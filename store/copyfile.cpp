@@ -39,11 +39,6 @@ bool isInsideStore(const QString &path)
     return !root.isEmpty() && QFileInfo(realFolder).path() == root;
 }
 
-bool isTaken(const QString &path)
-{
-    return QFileInfo::exists(path) || QFileInfo(path).isSymLink();
-}
-
 /// A new name is on the disk only when its folder is.
 bool syncFolderOf(const QString &path)
 {
@@ -136,6 +131,11 @@ QString copyPath(const QString &folder, const QDateTime &time)
         name += QString::number(number);
     }
     return u"./Data/Pictures/%1/"_s.arg(folder) + name + u".jpg"_s;
+}
+
+bool isTaken(const QString &path)
+{
+    return QFileInfo::exists(path) || QFileInfo(path).isSymLink();
 }
 
 QString freeCopyPath(const QString &folder)

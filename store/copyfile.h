@@ -9,6 +9,9 @@
 /// second and millisecond.
 [[nodiscard]] QString copyPath(const QString &folder, const QDateTime &time);
 
+/// Whether something lies at `path`, a link to nothing included.
+[[nodiscard]] bool isTaken(const QString &path);
+
 /// A copy path in `folder` that no file has yet. The names carry no leading zeros and a clock can be set back, so the
 /// clock is read again until the name is free.
 [[nodiscard]] QString freeCopyPath(const QString &folder);

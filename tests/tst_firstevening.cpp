@@ -37,23 +37,6 @@ int count(const QString &statement)
     return query.next() ? query.value(0).toInt() : -1;
 }
 
-/// Clicks the row of a list whose text in some visible column is `text`.
-bool clickRow(QWidget *form, const QString &text)
-{
-    auto *table = form->findChild<QTableView *>();
-    for (int row = 0; row < table->model()->rowCount(); ++row) {
-        for (int column = 0; column < table->model()->columnCount(); ++column) {
-            const QModelIndex index = table->model()->index(row, column);
-            if (!table->isColumnHidden(column) && index.data().toString() == text) {
-                table->scrollTo(index);
-                QTest::mouseClick(table->viewport(), Qt::LeftButton, {}, table->visualRect(index).center());
-                return true;
-            }
-        }
-    }
-    return false;
-}
-
 } // namespace
 
 /// A collector's first evening with the program, from an empty folder on. The steps build on each other.

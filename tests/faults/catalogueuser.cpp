@@ -53,22 +53,6 @@ int groupId(const QString &name)
 
 } // namespace
 
-bool chooseRow(const QWidget *form, const QString &text)
-{
-    auto *table = form->findChild<QTableView *>();
-    for (int row = 0; row < table->model()->rowCount(); ++row) {
-        for (int column = 0; column < table->model()->columnCount(); ++column) {
-            const QModelIndex index = table->model()->index(row, column);
-            if (!table->isColumnHidden(column) && index.data().toString() == text) {
-                table->scrollTo(index);
-                QTest::mouseClick(table->viewport(), Qt::LeftButton, {}, table->visualRect(index).center());
-                return true;
-            }
-        }
-    }
-    return false;
-}
-
 CatalogueUser::CatalogueUser()
 {
     Startup::makeDataFolders();
@@ -118,7 +102,7 @@ void CatalogueUser::changeGroupPicture(const QString &name, const QString &pictu
         leave(form); // the group form saves what was chosen
     });
     openGroupForm([&](QWidget *form) {
-        if (chooseRow(form, name)) {
+        if (clickRow(form, name)) {
             storeBy(form, u"Bild austauschen"_s);
         }
     });
@@ -127,7 +111,7 @@ void CatalogueUser::changeGroupPicture(const QString &name, const QString &pictu
 void CatalogueUser::deleteGroup(const QString &name)
 {
     openGroupForm([&](QWidget *form) {
-        if (chooseRow(form, name)) {
+        if (clickRow(form, name)) {
             storeBy(form, u"Gruppe entfernen"_s);
         }
     });
@@ -144,13 +128,13 @@ void CatalogueUser::addClass(const QString &group, const QString &name)
 void CatalogueUser::moveClass(const QString &group, const QString &name, const QString &toGroup)
 {
     m_answers.on(MoveForm, [&](QWidget *form) {
-        if (chooseRow(form, toGroup)) {
+        if (clickRow(form, toGroup)) {
             storeBy(form, u"Speichern"_s);
         }
         leave(form);
     });
     openClassForm(group, [&](QWidget *form) {
-        if (chooseRow(form, name)) {
+        if (clickRow(form, name)) {
             DialogAnswerer::click(form, u"Baureihe verschieben"_s);
         }
     });
@@ -159,7 +143,7 @@ void CatalogueUser::moveClass(const QString &group, const QString &name, const Q
 void CatalogueUser::deleteClass(const QString &group, const QString &name)
 {
     openClassForm(group, [&](QWidget *form) {
-        if (chooseRow(form, name)) {
+        if (clickRow(form, name)) {
             storeBy(form, u"Baureihe entfernen"_s);
         }
     });
@@ -211,7 +195,7 @@ void CatalogueUser::deletePicture(const QString &number)
 {
     openEntryForm(number, [this](QWidget *form) {
         const QAbstractItemModel *rows = form->findChild<QTableView *>()->model();
-        if (chooseRow(form, rows->index(0, 1).data().toString())) {
+        if (clickRow(form, rows->index(0, 1).data().toString())) {
             storeBy(form, u"Bild entfernen"_s);
         }
     });
@@ -267,7 +251,7 @@ void CatalogueUser::openClassForm(const QString &group, const Answer &answer)
         leave(form);
     });
     openGroupForm([group](QWidget *form) {
-        if (chooseRow(form, group)) {
+        if (clickRow(form, group)) {
             DialogAnswerer::click(form, u"Baureihen"_s);
         }
     });

@@ -66,6 +66,3 @@ private:
     DialogAnswerer m_answers;
     std::unique_ptr<BrowserWindow> m_browser;
 };
-
-/// Clicks the row of a list that shows `text` in a visible column; false when there is none.
-bool chooseRow(const QWidget *form, const QString &text);

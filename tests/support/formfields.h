@@ -2,6 +2,7 @@
 
 #include <QLabel>
 #include <QList>
+#include <QTableView>
 #include <QTest>
 #include <QWidget>
 
@@ -28,4 +29,21 @@ inline bool typeInto(const QWidget *form, const QString &label, const QString &t
     QTest::keyClick(field, Qt::Key_End);
     QTest::keyClicks(field, text);
     return true;
+}
+
+/// Clicks the row of a list whose text in some visible column is `text`.
+[[nodiscard]] inline bool clickRow(const QWidget *form, const QString &text)
+{
+    auto *table = form->findChild<QTableView *>();
+    for (int row = 0; row < table->model()->rowCount(); ++row) {
+        for (int column = 0; column < table->model()->columnCount(); ++column) {
+            const QModelIndex index = table->model()->index(row, column);
+            if (!table->isColumnHidden(column) && index.data().toString() == text) {
+                table->scrollTo(index);
+                QTest::mouseClick(table->viewport(), Qt::LeftButton, {}, table->visualRect(index).center());
+                return true;
+            }
+        }
+    }
+    return false;
 }
