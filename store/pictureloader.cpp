@@ -3,6 +3,7 @@
 #include "store/areaaverage.h"
 #include "store/jpegmemory.h"
 
+#include <QBuffer>
 #include <QFile>
 #include <QFileInfo>
 #include <QImageReader>
@@ -19,6 +20,8 @@ namespace {
 constexpr int LargestPicture = 512; // MB decoded: enough for 108 megapixels in a format that cannot reduce
 constexpr qint64 SmallestFile = 8; // bytes
 constexpr qint64 LargestFile = 512LL * 1024 * 1024; // bytes, of which no photograph needs a half
+constexpr qint64 BufferedFile = 64LL * 1024 * 1024; // bytes
+constexpr int LargestStep = 256; // pixels that areaAverage() makes one of
 constexpr qint64 QuicklyDecoded = 30'000'000; // pixels, where a small picture takes as long as a large one
 
 /// Qt's limit is one for the whole process; it is raised only while a picture that the user has named is read.
@@ -45,6 +48,7 @@ struct Source
     { }
 
     QFile file;
+    QBuffer bytes; // of the whole file, once it is worth decoding
     QImageReader reader;
     std::optional<JpegHeader> jpeg; // of a JPEG file
 };
@@ -81,6 +85,17 @@ bool openPicture(Source &source)
     source.reader.setAutoDetectImageFormat(false);
     source.reader.setAutoTransform(true);
     return true;
+}
+
+/// Lets the reader take the bytes from memory: that is quicker than asking the file for each few thousand of them. A
+/// file that is decoded with all of it in memory leaves no room for its bytes, too.
+void readWholeFile(Source &source)
+{
+    if (source.jpeg && source.jpeg->memory == 0 && source.file.size() <= BufferedFile) {
+        source.bytes.setData(source.file.readAll());
+        source.bytes.open(QIODevice::ReadOnly);
+        source.reader.setDevice(&source.bytes);
+    }
 }
 
 /// At what part of its size a JPEG file is decoded; the eighths between take longer than the next larger of these. The
@@ -133,7 +148,8 @@ QImage readSharp(QImageReader &reader, const QSize &stored, const QSize &wanted)
     QImage image = reader.read();
     const QSizeF covered = QSizeF(stored) / part;
     const bool isEnlarged = wanted.boundedTo(stored) != wanted;
-    if (!image.isNull() && !isEnlarged && covered != QSizeF(wanted)) {
+    const double step = std::max(covered.width() / wanted.width(), covered.height() / wanted.height());
+    if (!image.isNull() && !isEnlarged && step <= LargestStep && covered != QSizeF(wanted)) {
         image = areaAverage(std::move(image), covered, wanted);
     }
     return turned(image, turn);
@@ -206,6 +222,7 @@ QImage loadPicture(const QString &path, const SizeChoice &choose, Reduction redu
     if (!openPicture(source) || (source.jpeg && !isWorthDecoding(source.file, *source.jpeg))) {
         return {};
     }
+    readWholeFile(source);
     QImageReader &reader = source.reader;
     const QSize stored = reader.size();
     if (stored.isEmpty()) {
