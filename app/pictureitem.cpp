@@ -29,6 +29,7 @@ PictureItem::PictureItem(
     : QToolButton(parent)
     , m_groupId(groupId)
     , m_picturePath(picturePath)
+    , m_hasPicture(!picturePath.isEmpty())
     , m_holder(holder)
 {
     setObjectName(u"group%1"_s.arg(groupId));
@@ -39,7 +40,6 @@ PictureItem::PictureItem(
     m_nameTip = u"<p>%1</p>"_s.arg(shownName.toHtmlEscaped()); // as rich text only so that it is plainly escaped
     setToolTip(m_nameTip);
     setAccessibleName(shownName);
-    m_hasPicture = !pictureSize(picturePath).isEmpty();
     if (!m_hasPicture) {
         showName();
     }
@@ -50,7 +50,8 @@ PictureItem::PictureItem(
 bool PictureItem::event(QEvent *event)
 {
     if (event->type() == QEvent::ToolTip) {
-        const bool isEmpty = CatalogQuery::instance().countModels(m_groupId) == 0;
+        // Group 0, an id that cannot be read, would count the classes of all groups.
+        const bool isEmpty = m_groupId == 0 || CatalogQuery::instance().countModels(m_groupId) == 0;
         setToolTip(isEmpty ? m_nameTip
                     + tr("<p>Noch keine Baureihe: Legen Sie mit „Baureihe-Gruppen bearbeiten“ die erste "
                          "an.</p>")
@@ -71,9 +72,9 @@ void PictureItem::keyPressEvent(QKeyEvent *event)
     QToolButton::keyPressEvent(event);
 }
 
-/// A long column is mostly out of sight, so a picture is decoded when its button is painted for the first time, and
-/// again on a screen of another scale.
-/// The style's mark of the keyboard focus is lost on a picture; the canvas's is not.
+/// A long column is mostly out of sight, so a picture's file is opened when its button is painted for the first time,
+/// and again on a screen of another scale. The style's mark of the keyboard focus is lost on a picture; the canvas's is
+/// not.
 void PictureItem::paintEvent(QPaintEvent *event)
 {
     if (m_hasPicture && !qFuzzyCompare(m_shownScale, devicePixelRatioF())) {

@@ -34,7 +34,7 @@ private:
     int m_groupId;
     QString m_picturePath;
     QString m_nameTip; // the group's name as tool tip
-    bool m_hasPicture = false;
+    bool m_hasPicture; // as far as is known before it was decoded
     double m_shownScale = 0; // of the screen that the picture was decoded for; 0 before it was
     ViewHolder &m_holder; // outlives the button
 };

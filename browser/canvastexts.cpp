@@ -1,33 +1,23 @@
 #include "browser/canvastexts.h"
 
+#include "store/textcut.h"
+
 #include <QCoreApplication>
 
 using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr qsizetype LongestText = 300; // characters
-constexpr qsizetype LongestName = 45; // characters of a class name or number in a caption
-
 QString tr(const char *text)
 {
     return QCoreApplication::translate("PictureScene", text);
-}
-
-QString cut(const QString &text, qsizetype limit)
-{
-    if (text.size() <= limit) {
-        return text;
-    }
-    const bool splitsPair = text.at(limit - 2).isHighSurrogate();
-    return text.left(splitsPair ? limit - 2 : limit - 1) + u'…';
 }
 
 } // namespace
 
 QString CanvasTexts::shown(const QString &stored)
 {
-    QString text = cut(stored, LongestText);
+    QString text = shownText(stored);
     for (QChar &character : text) {
         const QChar::Category category = character.category();
         const bool breaksLine = category == QChar::Separator_Line || category == QChar::Separator_Paragraph;
@@ -67,14 +57,12 @@ QString CanvasTexts::listingProgressLabel(int entries)
 QString CanvasTexts::resultCaption(int entries, const QString &modelName)
 {
     const QString noun = entries == 1 ? tr("Eintrag") : tr("Einträge");
-    return u"%1 %2 %3"_s.arg(
-        QString::number(entries), tr("%1 der Baureihe").arg(noun), cut(shown(modelName), LongestName));
+    return u"%1 %2 %3"_s.arg(QString::number(entries), tr("%1 der Baureihe").arg(noun), shown(modelName));
 }
 
 QString CanvasTexts::listingCaption(int entries, const QString &modelName, const QString &number)
 {
-    return u"%1 %2 %3"_s.arg(QString::number(entries), tr("Einträge der %1").arg(cut(shown(modelName), LongestName)),
-        cut(shown(number), LongestName));
+    return u"%1 %2 %3"_s.arg(QString::number(entries), tr("Einträge der %1").arg(shown(modelName)), shown(number));
 }
 
 QString CanvasTexts::pictureCount(int pictures)

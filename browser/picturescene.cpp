@@ -121,7 +121,7 @@ QList<QGraphicsItem *> PictureScene::focusItems() const
     return isListing ? m_otherFocusItems + items : items + m_otherFocusItems;
 }
 
-void PictureScene::drawPage(bool isRedraw)
+void PictureScene::drawPage(Begin begin)
 {
     const bool wasBusy = std::exchange(m_busy, true);
     m_startPicture = false;
@@ -132,26 +132,17 @@ void PictureScene::drawPage(bool isRedraw)
     entriesOfModel(list, parameters.orderClause, parameters.modelId);
     const QString modelName = CatalogQuery::instance().modelName(parameters.modelId);
     drawCaption(CanvasTexts::resultCaption(int(list.size()), modelName)); // to count them would be one more walk
-    findReturn(list);
-    if (isRedraw) {
-        stepBack(int(list.size()), parameters.once);
+    ResultRows rows(std::move(list), parameters.once ? &m_numbersShown : nullptr);
+    if (begin == Begin::BehindSameRows && parameters.once) {
+        m_position = rows.positionBehind(m_idsBefore);
+    }
+    if (begin != Begin::AtPosition) {
+        stepBack(rows.size(), parameters.once);
     }
     m_numbersOfEarlierPages = m_numbersShown;
-    ResultRows rows(std::move(list), parameters.once ? &m_numbersShown : nullptr);
     drawRows(rows, parameters);
     finishPage();
     m_busy = wasBusy;
-}
-
-/// Puts the position on the entry that the page is to begin with, if one was named and is still there.
-void PictureScene::findReturn(const QList<QSqlRecord> &list)
-{
-    const int id = std::exchange(m_returnTo, 0);
-    for (qsizetype i = 0; i < list.size() && id != 0; ++i) {
-        if (rowId(list.at(i), u"id"_s) == id) {
-            m_position = int(i) + 1;
-        }
-    }
 }
 
 /// Deletions may have left nothing behind the page's start; then the page that now ends the result is drawn. Where that
@@ -171,7 +162,7 @@ void PictureScene::drawRows(ResultRows &rows, const SearchParameters &parameters
 {
     const int n = rows.size();
     m_pageStart = m_position;
-    m_firstEntryId = m_position >= 1 && m_position <= n ? rowId(rows.row(m_position - 1), u"id"_s) : 0;
+    m_idsBefore = parameters.once ? rows.idsBefore(m_position) : QList<qint64>();
     m_y = FirstBlockTop;
     Pager pager(m_position, n, parameters.once);
     LoadProgress progress(CanvasTexts::progressLabel(n, m_position, parameters.once), n, window());

@@ -40,8 +40,8 @@ public:
     /// there, the page that now ends the result is drawn.
     void redraw();
 
-    /// The same after entries were changed on another canvas: the page still begins with the entry that it began with,
-    /// even if rows before it have gone.
+    /// The same after entries were changed on another canvas: the page begins behind the rows that stood before it,
+    /// even if some of them have gone.
     void redrawAfterChangeElsewhere();
 
     void showStartView(const QSqlRecord &picture, const QSqlRecord &entry, int storedPictures);
@@ -60,6 +60,9 @@ public:
 
     /// Does what a press on the button or a double click on the photograph does.
     void activate(QGraphicsItem *item);
+
+    /// Whether a page is being loaded or a press is still to be carried out.
+    [[nodiscard]] bool isBusy() const { return m_busy; }
 
     /// Puts the keyboard on the first button or photograph, if there is one.
     void focusFirst();
@@ -82,8 +85,11 @@ private:
         QString number;
     };
 
-    void drawPage(bool isRedraw = false);
-    void findReturn(const QList<QSqlRecord> &list);
+    /// Where a page begins: at the position counter or, drawn again, where it began, or behind the rows before it.
+    enum class Begin { AtPosition, Again, BehindSameRows };
+
+    void drawPage(Begin begin = Begin::AtPosition);
+    void redrawPage(Begin begin);
     void stepBack(int rows, bool once);
     void drawRows(ResultRows &rows, const SearchParameters &parameters);
     bool takeRow(ResultRows &rows, int index, const SearchParameters &parameters);
@@ -107,8 +113,7 @@ private:
     std::optional<NumberListing> m_listing; // set on the canvas that lists one number
     int m_position = 1; // 1-based position in the full result of the next entry to show
     int m_pageStart = 1; // the position when the present page was begun
-    int m_firstEntryId = 0; // of the row at the page start; 0 when there is none
-    int m_returnTo = 0; // entry that the next page drawn is to begin with; 0 leaves the position as it is
+    QList<qint64> m_idsBefore; // once mode, where listings are opened: of the rows before the page start
     QSet<QString> m_numbersShown; // once mode: on this page and those before it
     QSet<QString> m_numbersOfEarlierPages;
     QList<EntryBlock *> m_blocks; // of the page, in order; the settings object owns all items
@@ -116,5 +121,5 @@ private:
     double m_y = 0; // where the next block goes
     QGraphicsItem *m_pressed = nullptr; // what the last press hit; null once that may be gone
     bool m_startPicture = false;
-    bool m_busy = false; // a page is being loaded or a press is still to be carried out
+    bool m_busy = false;
 };

@@ -111,6 +111,9 @@ void PictureScene::restoreFocus(const std::optional<FocusPlace> &place)
 
 void PictureScene::editEntry(int entryId, const QPointF &position)
 {
+    if (entryId < 1) {
+        return redrawAt(position); // the form knows no such entry, as if it were gone
+    }
     LocseenForm form(entryId, CatalogQuery::instance().modelIdOfEntry(entryId), window());
     form.exec();
     if (form.hasChanged()) {
@@ -146,21 +149,25 @@ void PictureScene::turnPictures(int entryId, const QString &key, int step)
 
 void PictureScene::redraw()
 {
+    redrawPage(Begin::Again);
+}
+
+void PictureScene::redrawAfterChangeElsewhere()
+{
+    redrawPage(Begin::BehindSameRows);
+}
+
+void PictureScene::redrawPage(Begin begin)
+{
     const std::optional<FocusPlace> place = focusPlace(focusItem(), m_blocks);
     if (m_listing) {
         drawListing();
     } else {
         m_position = m_pageStart;
         m_numbersShown = m_numbersOfEarlierPages; // else numbers of the first page would come up again on the second
-        drawPage(true);
+        drawPage(begin);
     }
     restoreFocus(place);
-}
-
-void PictureScene::redrawAfterChangeElsewhere()
-{
-    m_returnTo = m_firstEntryId;
-    redraw();
 }
 
 void PictureScene::redrawAt(const QPointF &position)

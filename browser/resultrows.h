@@ -26,6 +26,13 @@ public:
     [[nodiscard]] const QSqlRecord &row(int index) const { return m_rows.at(index); }
     [[nodiscard]] QString number(int index) const;
 
+    /// Ids of the rows before the 1-based `position`; ids of more than 32 bits too.
+    [[nodiscard]] QList<qint64> idsBefore(int position) const;
+
+    /// The 1-based position that best parts the rows with these ids from all others, the first one of several. Rows
+    /// that have gone do not count, and a row that has moved to the other side draws no neighbour with it.
+    [[nodiscard]] int positionBehind(const QList<qint64> &ids) const;
+
     /// False behind the last row.
     [[nodiscard]] bool nextHasSameNumber(int index) const;
 
@@ -37,6 +44,7 @@ public:
 
 private:
     [[nodiscard]] int entryId(int index) const;
+    [[nodiscard]] int idColumn() const;
     [[nodiscard]] QList<int> entriesAhead(int index) const;
     void readPicturesFrom(int index);
     [[nodiscard]] QHash<QString, int> countedNumbers() const;

@@ -24,7 +24,9 @@ ViewHolder::~ViewHolder() = default;
 void ViewHolder::searchGroup(int groupId)
 {
     QList<QSqlRecord> classes;
-    CatalogQuery::instance().modelsOfGroup(classes, groupId);
+    if (groupId != 0) { // an id that cannot be read is 0, which would offer the classes of all groups
+        CatalogQuery::instance().modelsOfGroup(classes, groupId);
+    }
     if (classes.isEmpty()) {
         MessageBox::warning(
             m_view->window(), tr("Keine Daten"), tr("Es wurden noch keine Baureihen unter dieser Gruppe erfasst!"));

@@ -16,20 +16,21 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-/// Runs `statement` and hands each row to `take` until that returns false.
-template <typename Take> void readRows(const QString &statement, Take take)
+/// Runs `statement` and hands each row to `take` until that returns false. False when the rows could not be read, or
+/// not all of them.
+template <typename Take> bool readRows(const QString &statement, Take take)
 {
     QSqlQuery query;
     query.setForwardOnly(true);
-    if (!query.exec(statement)) {
+    bool goesOn = query.exec(statement);
+    while (goesOn && query.next()) {
+        goesOn = take(query);
+    }
+    if (query.lastError().isValid()) {
         qDebug().noquote() << query.lastError().text();
-        return;
+        return false;
     }
-    while (query.next()) {
-        if (!take(query)) {
-            return;
-        }
-    }
+    return true;
 }
 
 void appendRows(QList<QSqlRecord> &list, const QString &statement)
@@ -186,7 +187,7 @@ void CatalogQuery::storedPictureAt(QList<QSqlRecord> &list, int n) const
     }
 }
 
-QHash<int, QList<QSqlRecord>> CatalogQuery::picturesOfEntries(const QList<int> &entryIds) const
+std::optional<QHash<int, QList<QSqlRecord>>> CatalogQuery::picturesOfEntries(const QList<int> &entryIds) const
 {
     QHash<int, QList<QSqlRecord>> pictures;
     if (entryIds.isEmpty()) {
@@ -196,12 +197,12 @@ QHash<int, QList<QSqlRecord>> CatalogQuery::picturesOfEntries(const QList<int> &
     for (const int id : entryIds) {
         ids.append(QString::number(id));
     }
-    readRows(u"SELECT * FROM loc_picture WHERE locpictureid IN (%1)"_s.arg(ids.join(u',')),
+    const bool isRead = readRows(u"SELECT * FROM loc_picture WHERE locpictureid IN (%1)"_s.arg(ids.join(u',')),
         [&pictures](const QSqlQuery &query) {
             pictures[rowId(query.value(u"locpictureid"_s))].append(query.record());
             return true;
         });
-    return pictures;
+    return isRead ? std::optional(pictures) : std::nullopt;
 }
 
 int CatalogQuery::modelIdOfNumber(const QString &nummer) const
@@ -273,7 +274,7 @@ void CatalogQuery::AddLocModel(const QString &name, int groupId) const
 bool CatalogQuery::deleteEntry(int entryId, QString &nummer, int &modelId) const
 {
     QList<QSqlRecord> rows;
-    if (entryId >= 1) { // no other id is ever given to an entry
+    if (entryId != 0 && entryId != -1) { // an id that cannot be read is 0, and the pictures of groups have -1
         entryById(rows, entryId);
     }
     if (rows.isEmpty()) {

@@ -5,6 +5,8 @@
 #include <QSqlRecord>
 #include <QString>
 
+#include <optional>
+
 /// The read queries of the catalogue and a cache of all classes; also adds classes and deletes whole entries.
 /// A failed read is an empty result. Lists that are passed in are appended to.
 class CatalogQuery final
@@ -38,8 +40,9 @@ public:
     /// Leaves in `list` the n-th stored picture, counted from 0; the first one when there are not that many.
     void storedPictureAt(QList<QSqlRecord> &list, int n) const;
 
-    /// Picture rows of several entries by entry id, in database order, read with one statement.
-    [[nodiscard]] QHash<int, QList<QSqlRecord>> picturesOfEntries(const QList<int> &entryIds) const;
+    /// Picture rows of several entries by entry id, in database order, read with one statement. Nothing when that
+    /// failed: unlike an empty result, it tells nothing about any of the entries.
+    [[nodiscard]] std::optional<QHash<int, QList<QSqlRecord>>> picturesOfEntries(const QList<int> &entryIds) const;
 
     /// Class id of the first entry with this number; 0 when there is none.
     [[nodiscard]] int modelIdOfNumber(const QString &nummer) const;

@@ -39,8 +39,8 @@ PictureFiles picturesOf(int entryId)
 
 WriteOutcome removeEntry(int entryId)
 {
-    if (entryId < 1) {
-        return { true, {}, 0, 0 }; // never given to an entry; the pictures of all groups have -1 in its place
+    if (entryId == 0 || entryId == -1) {
+        return { true, {}, 0, 0 }; // an id that cannot be read; the pictures of all groups have -1 in its place
     }
     // The copies go before the rows, so it must be certain beforehand that the rows can be deleted for good.
     Transaction transaction(Transaction::Kind::Exclusive);

@@ -6,6 +6,7 @@
 #include "browser/textitem.h"
 #include "browser/viewholder.h"
 #include "search/clock.h"
+#include "search/optiondialog.h"
 #include "store/colorsetting.h"
 #include "store/statement.h"
 #include "tests/support/browserwindow.h"
@@ -53,6 +54,44 @@ int leftmostInk(const QImage &image)
     return image.width();
 }
 
+/// A user who presses the button of the progress dialog as soon as it is there, and who has looked at the clock: from
+/// the closing of the search dialog, or from now on, until the progress dialog was seen.
+class Canceller final : public QObject
+{
+public:
+    Canceller()
+    {
+        m_timer.start();
+        qApp->installEventFilter(this);
+    }
+
+    [[nodiscard]] QString label() const { return m_label; }
+
+    /// In milliseconds; -1 as long as no dialog has been seen.
+    [[nodiscard]] qint64 shownAfter() const { return m_shownAfter; }
+
+protected:
+    bool eventFilter(QObject *object, QEvent *event) override
+    {
+        if (event->type() == QEvent::Hide && qobject_cast<OptionDialog *>(object)) {
+            m_timer.restart();
+        }
+        auto *dialog = qobject_cast<QProgressDialog *>(object);
+        if (dialog && event->type() == QEvent::Show) {
+            m_shownAfter = m_timer.elapsed();
+            m_label = dialog->labelText();
+            QTimer::singleShot(
+                0, dialog, [dialog] { QTest::mouseClick(dialog->findChild<QPushButton *>(), Qt::LeftButton); });
+        }
+        return false;
+    }
+
+private:
+    QElapsedTimer m_timer;
+    QString m_label;
+    qint64 m_shownAfter = -1;
+};
+
 } // namespace
 
 /// One page of the canvas: its caption, its buttons, where it begins, and a load that the user stops.
@@ -67,11 +106,15 @@ private Q_SLOTS:
     void captionHasItsFontAndColour_data();
     void captionHasItsFontAndColour();
     void captionTakesNoPart();
+    void captionShowsLongNamesInItsRoom_data();
+    void captionShowsLongNamesInItsRoom();
     void everyKindShowsItsImageFile_data();
     void everyKindShowsItsImageFile();
     void newPageBeginsAtTheTop();
     void listingBeginsAtTheTop();
     void cancelledPageKeepsItsBlocksWithoutAMoreButton();
+    void progressIsSeenOnceLoadingHasTakenTwoSeconds();
+    void cancelledListingKeepsItsBlocks();
     void startPictureIsTheOneThatWasDrawn();
     void statisticsHaveTheirFonts();
     void lettersWithoutItalicsStandUpright();
@@ -79,6 +122,7 @@ private Q_SLOTS:
 
 private:
     void addEntries(int count);
+    void slowDown(const QString &table, int ms) const;
     [[nodiscard]] TextItem *textItem(const QString &text) const;
     [[nodiscard]] QScrollBar *scrollBar() const;
 
@@ -165,6 +209,30 @@ void TestCanvasPage::captionTakesNoPart()
     QVERIFY(!m_browser->canvas().focusItem());
 }
 
+void TestCanvasPage::captionShowsLongNamesInItsRoom_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<bool>("whole");
+    QTest::newRow("as long as a form stores it") << QString(38, u'W') << true;
+    QTest::newRow("80 letters") << u"Zahnradlokomotive "_s.repeated(5).left(80) << true;
+    QTest::newRow("300 wide letters") << QString(300, u'W') << false;
+    QTest::newRow("without end") << QString(100000, u'W') << false;
+}
+
+void TestCanvasPage::captionShowsLongNamesInItsRoom()
+{
+    QFETCH(QString, name);
+    QFETCH(bool, whole);
+    QVERIFY(executeWrite(u"UPDATE loc_model SET modelname = :name"_s, { { u":name"_s, name } }).done);
+    m_browser = std::make_unique<BrowserWindow>();
+    QCOMPARE(m_browser->search(m_group), QStringList());
+    const QString text = m_browser->caption();
+    QVERIFY2(text.startsWith(u"0 Einträge der Baureihe "_s + name.left(50)), qPrintable(text));
+    QCOMPARE(text.endsWith(name), whole);
+    const TextItem *caption = textItem(text);
+    QVERIFY(QRectF(350, 20, 710, 60).contains(caption->sceneBoundingRect())); // above the first block
+}
+
 void TestCanvasPage::everyKindShowsItsImageFile_data()
 {
     QTest::addColumn<int>("kind");
@@ -231,44 +299,71 @@ void TestCanvasPage::listingBeginsAtTheTop()
     QCOMPARE(scrollBar()->value(), 0);
 }
 
-/// A view in place of the picture table takes the time that a slow disk would.
-void TestCanvasPage::cancelledPageKeepsItsBlocksWithoutAMoreButton()
+/// Puts a view in place of the table that takes this time at each statement, as a slow disk would. An empty table stays
+/// quick.
+void TestCanvasPage::slowDown(const QString &table, int ms) const
 {
-    addEntries(60);
-    m_browser = std::make_unique<BrowserWindow>();
     const QString steps = u"(WITH RECURSIVE c(x) AS (SELECT 1 UNION ALL SELECT x + 1 FROM c WHERE x < %1) "
                           "SELECT COUNT(*) FROM c)"_s;
     QElapsedTimer timer;
     timer.start();
     QCOMPARE(m_catalogue->value(u"SELECT "_s + steps.arg(1000000)).toInt(), 1000000);
     const qint64 perMillion = std::max<qint64>(1, timer.elapsed());
-    constexpr qint64 Wanted = 4000; // ms; the progress dialog comes after 2000
-    QVERIFY(executeWrite(u"ALTER TABLE loc_picture RENAME TO pictures"_s).done);
-    QVERIFY(executeWrite(u"CREATE VIEW loc_picture AS SELECT * FROM pictures WHERE "_s
-        + steps.arg(Wanted * 1000000 / perMillion) + u" > 0"_s)
+    QVERIFY(executeWrite(u"CREATE TEMP VIEW %1 AS SELECT * FROM main.%1 WHERE %2 > 0"_s.arg(
+                             table, steps.arg(ms * Q_INT64_C(1000000) / perMillion)))
                 .done);
-    m_catalogue->addEntry(u"1"_s, m_model);
-    QVERIFY(executeWrite(u"INSERT INTO pictures (pictAuxPath, pictOrigPath, locpictureid) VALUES ('', '', 1)"_s).done);
+}
 
-    QString label;
-    QTimer user; // who presses the button as soon as it is there
-    connect(&user, &QTimer::timeout, this, [&label] {
-        auto *dialog = qobject_cast<QProgressDialog *>(QApplication::activeModalWidget());
-        if (dialog) {
-            label = dialog->labelText();
-            QTest::mouseClick(dialog->findChild<QPushButton *>(), Qt::LeftButton);
-        }
-    });
-    user.start(5);
+void TestCanvasPage::cancelledPageKeepsItsBlocksWithoutAMoreButton()
+{
+    addEntries(60);
+    m_browser = std::make_unique<BrowserWindow>();
+    m_catalogue->addPicture(m_catalogue->addEntry(u"1"_s, m_model));
+    slowDown(u"loc_picture"_s, 4000); // the progress dialog comes after 2000
+    const Canceller user;
     QCOMPARE(m_browser->search(m_group), QStringList());
-    user.stop();
-    QCOMPARE(label, u"40 von 61 Einträge laden..."_s);
+    QCOMPARE(user.label(), u"40 von 61 Einträge laden..."_s);
     const qsizetype blocks = m_browser->numbers().size();
     QVERIFY2(blocks > 0 && blocks < 40, qPrintable(QString::number(blocks)));
     QVERIFY(!m_browser->button(ButtonKind::More));
     QCOMPARE(m_browser->caption(), u"61 Einträge der Baureihe Ce 6/8"_s);
     const EntryBlock *last = m_browser->block(int(blocks) - 1);
     QCOMPARE(m_browser->canvas().sceneRect().bottom(), last->scenePos().y() + last->height() + 30);
+}
+
+/// The count of a number that is not plain ASCII takes a statement, so that this page asks its dialog every 200 ms.
+void TestCanvasPage::progressIsSeenOnceLoadingHasTakenTwoSeconds()
+{
+    for (int i = 0; i < 41; ++i) {
+        m_catalogue->addEntry(u"Ü%1"_s.arg(i), m_model, u"Bern"_s, QDate(1990, 1, 1).addDays(i));
+    }
+    m_browser = std::make_unique<BrowserWindow>();
+    slowDown(u"loc_seen"_s, 200);
+    const Canceller user;
+    QCOMPARE(m_browser->search(m_group, { {}, u"nur einmal"_s }), QStringList());
+    QCOMPARE(user.label(), u"20*n von 41 Einträge laden..."_s);
+    QVERIFY2(user.shownAfter() >= 2000, qPrintable(QString::number(user.shownAfter())));
+    const qsizetype blocks = m_browser->numbers().size();
+    QVERIFY2(blocks > 1 && blocks < 40, qPrintable(QString::number(blocks))); // else it was not asked in between
+}
+
+void TestCanvasPage::cancelledListingKeepsItsBlocks()
+{
+    for (int i = 0; i < 60; ++i) {
+        m_catalogue->addEntry(u"119"_s, m_model);
+    }
+    m_browser = std::make_unique<BrowserWindow>();
+    QCOMPARE(m_browser->search(m_group, { {}, u"nur einmal"_s }), QStringList());
+    m_catalogue->addPicture(1);
+    slowDown(u"loc_picture"_s, 4000);
+    const Canceller user;
+    m_browser->click(m_browser->button(ButtonKind::Count, m_browser->block(0)));
+    QTRY_COMPARE(user.label(), u"60 Einträge laden..."_s);
+    QVERIFY(m_browser->window().viewHolder().showsListing());
+    const qsizetype blocks = m_browser->numbers().size();
+    QVERIFY2(blocks > 0 && blocks < 60, qPrintable(QString::number(blocks)));
+    QCOMPARE(m_browser->caption(), u"60 Einträge der Ce 6/8 119"_s);
+    QVERIFY(m_browser->button(ButtonKind::Back));
 }
 
 void TestCanvasPage::startPictureIsTheOneThatWasDrawn()

@@ -26,6 +26,7 @@ private Q_SLOTS:
     void modelsAreCountedOfOneGroupOrOfAll();
     void picturesOfEntryAreAppended();
     void picturesOfSeveralEntriesComeWithOneCall();
+    void failedReadOfPicturesIsNotTakenForNone();
     void entryByIdAppendsAtMostOneRow();
     void modelsOfGroupAreOrderedByName();
     void groupsAreOrderedByName();
@@ -135,11 +136,28 @@ void TestCatalogQuery::picturesOfSeveralEntriesComeWithOneCall()
     m_catalogue->addPicture(first);
     m_catalogue->addPicture(second);
     m_catalogue->addPicture(77);
-    const QHash<int, QList<QSqlRecord>> pictures = m_query->picturesOfEntries({ first, second, 99 });
+    const QHash<int, QList<QSqlRecord>> pictures = m_query->picturesOfEntries({ first, second, 99 }).value();
     QCOMPARE(pictures.size(), 2);
     QCOMPARE(column(pictures.value(first), u"id"_s), QStringList({ u"2"_s }));
     QCOMPARE(column(pictures.value(second), u"id"_s), QStringList({ u"1"_s, u"3"_s }));
-    QVERIFY(m_query->picturesOfEntries({}).isEmpty());
+    QVERIFY(m_query->picturesOfEntries({}).value().isEmpty());
+}
+
+/// A picture row that cannot be read stands behind one that can: the statement fails when some rows have come.
+void TestCatalogQuery::failedReadOfPicturesIsNotTakenForNone()
+{
+    const int entry = m_catalogue->addEntry(u"11407"_s, 1);
+    m_catalogue->addPicture(entry);
+    const int unreadable = m_catalogue->addPicture(entry + 1);
+    write(u"CREATE TEMP VIEW loc_picture AS SELECT id, locpictureid, "
+          "CASE id WHEN %1 THEN abs(-9223372036854775807 - 1) ELSE pictAuxPath END AS pictAuxPath "
+          "FROM main.loc_picture"_s.arg(unreadable));
+    QVERIFY(!m_query->picturesOfEntries({ entry, entry + 1 }).has_value());
+    QCOMPARE(m_query->picturesOfEntries({ entry }).value().value(entry).size(), 1);
+    write(u"DROP VIEW temp.loc_picture"_s);
+    QCOMPARE(m_query->picturesOfEntries({ entry, entry + 1 }).value().size(), 2);
+    write(u"DROP TABLE loc_picture"_s);
+    QVERIFY(!m_query->picturesOfEntries({ entry }).has_value());
 }
 
 void TestCatalogQuery::entryByIdAppendsAtMostOneRow()

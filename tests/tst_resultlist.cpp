@@ -16,10 +16,12 @@
 #include <QComboBox>
 #include <QDesktopServices>
 #include <QFile>
+#include <QHelpEvent>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QRandomGenerator>
 #include <QScrollBar>
+#include <QSignalSpy>
 #include <QTest>
 #include <QTimer>
 #include <QToolButton>
@@ -50,6 +52,7 @@ private Q_SLOTS:
     void cleanup();
 
     void groupWithoutClassesSaysSo();
+    void groupWithAnUnreadableIdOffersNoClasses();
     void onlyALeftClickOpensTheSearch();
     void closedDialogLeavesTheCanvas();
     void searchChoicesAreStoredByASearchOnly();
@@ -70,6 +73,8 @@ private Q_SLOTS:
     void picturesOnlyLeavesEntriesOutButKeepsTheirPositions();
     void editRedrawsThePageInPlace();
     void unchangedEntryIsNotRedrawn();
+    void entryWithAnUnreadableIdOpensNoForm_data();
+    void entryWithAnUnreadableIdOpensNoForm();
     void deleteAsksAndRedrawsThePageInPlace();
     void refusedDeletionChangesNothing();
     void arrowsTurnThePairsOfPictures();
@@ -124,6 +129,22 @@ void TestResultList::groupWithoutClassesSaysSo()
     script.box(u"Keine Daten"_s, u"Es wurden noch keine Baureihen unter dieser Gruppe erfasst!"_s);
     m_browser->clickGroup(empty);
     QCOMPARE(script.problems(), QStringList());
+}
+
+void TestResultList::groupWithAnUnreadableIdOffersNoClasses()
+{
+    const int group = m_catalogue->addGroup(u"Dampf"_s);
+    QVERIFY(executeWrite(u"UPDATE locomotive SET id = 4294967303 WHERE id = %1"_s.arg(group)).done);
+    m_browser.reset();
+    m_browser = std::make_unique<BrowserWindow>();
+    ModalScript script;
+    script.box(u"Keine Daten"_s, u"Es wurden noch keine Baureihen unter dieser Gruppe erfasst!"_s);
+    m_browser->clickGroup(0);
+    QCOMPARE(script.problems(), QStringList());
+    auto *button = m_browser->window().findChild<QToolButton *>(u"group0"_s);
+    QHelpEvent help(QEvent::ToolTip, {}, button->mapToGlobal(QPoint()));
+    QApplication::sendEvent(button, &help);
+    QVERIFY2(button->toolTip().contains(u"Noch keine Baureihe"_s), qPrintable(button->toolTip()));
 }
 
 void TestResultList::onlyALeftClickOpensTheSearch()
@@ -371,6 +392,30 @@ void TestResultList::unchangedEntryIsNotRedrawn()
     m_browser->click(m_browser->button(ButtonKind::Edit, block));
     QCOMPARE(script.problems(), QStringList());
     QCOMPARE(m_browser->block(1), block); // the very same block stands
+}
+
+void TestResultList::entryWithAnUnreadableIdOpensNoForm_data()
+{
+    QTest::addColumn<qint64>("id");
+    QTest::newRow("beyond 32 bits") << Q_INT64_C(4294967303);
+    QTest::newRow("0") << Q_INT64_C(0);
+    QTest::newRow("that of a new entry") << Q_INT64_C(-1);
+}
+
+void TestResultList::entryWithAnUnreadableIdOpensNoForm()
+{
+    QFETCH(qint64, id);
+    addEntries(3);
+    QVERIFY(executeWrite(u"UPDATE loc_seen SET id = %1 WHERE id = 2"_s.arg(id)).done);
+    QCOMPARE(m_browser->search(m_group), QStringList());
+    QSignalSpy redrawn(&m_browser->canvas(), &PictureScene::contentsChanged);
+    ModalScript script; // no dialog is expected
+    m_browser->click(m_browser->button(ButtonKind::Edit, m_browser->block(1)));
+    QTRY_COMPARE(redrawn.size(), 1);
+    QTest::qWait(50);
+    QCOMPARE(script.problems(), QStringList());
+    QCOMPARE(m_browser->numbers().size(), 3);
+    QCOMPARE(m_catalogue->value(u"SELECT COUNT(*) FROM loc_seen"_s).toInt(), 3);
 }
 
 void TestResultList::deleteAsksAndRedrawsThePageInPlace()

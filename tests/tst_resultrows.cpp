@@ -18,9 +18,12 @@
 #include <QRandomGenerator>
 #include <QSqlDatabase>
 #include <QSqlDriver>
+#include <QSqlError>
+#include <QSqlQuery>
 #include <QTest>
 
 #include <algorithm>
+#include <functional>
 #include <memory>
 
 using namespace Qt::StringLiterals;
@@ -32,6 +35,7 @@ constexpr quint32 Seed = 20261121;
 constexpr int Model = 7;
 constexpr int OtherModel = 8;
 const QString Broken = u"kaputt"_s; // becomes a number that is no UTF-8
+const QString Latin = u"latein"_s; // becomes one that is no UTF-8 either, and is read as "9§"
 
 /// One block of a page in words: entry, count of its number, copies.
 QString blockText(int entryId, int count, const QStringList &copies)
@@ -120,12 +124,13 @@ bool PlainPages::isFullBehind(int index, qsizetype blocks) const
     return blocks >= 20 && !splitsNumber;
 }
 
-/// Counts the statements that hold a text, as the database sees them.
+/// Counts the statements that hold a text, as the database sees them, and tells of each one just before it runs.
 class StatementCounter final
 {
 public:
-    explicit StatementCounter(QByteArray text)
+    explicit StatementCounter(QByteArray text, std::function<void(int)> beforeEach = {})
         : m_text(std::move(text))
+        , m_beforeEach(std::move(beforeEach))
     {
         watch(&StatementCounter::see);
     }
@@ -141,7 +146,12 @@ private:
     static int see(unsigned /*event*/, void *counter, void * /*statement*/, void *text)
     {
         auto *self = static_cast<StatementCounter *>(counter);
-        self->m_count += QByteArrayView(static_cast<const char *>(text)).contains(self->m_text) ? 1 : 0;
+        if (QByteArrayView(static_cast<const char *>(text)).contains(self->m_text)) {
+            ++self->m_count;
+            if (self->m_beforeEach) {
+                self->m_beforeEach(self->m_count);
+            }
+        }
         return 0;
     }
 
@@ -158,7 +168,38 @@ private:
     }
 
     QByteArray m_text;
+    std::function<void(int)> m_beforeEach;
     int m_count = 0;
+};
+
+/// Another program that takes the file for itself alone, as long as it is told to.
+class OtherProgram final
+{
+public:
+    OtherProgram()
+    {
+        m_database.setDatabaseName(u"./Data/bahnakte.dat"_s);
+        if (!m_database.open()) {
+            qFatal("The file cannot be opened twice.");
+        }
+    }
+    ~OtherProgram()
+    {
+        m_database = {};
+        QSqlDatabase::removeDatabase(u"other"_s);
+    }
+    Q_DISABLE_COPY_MOVE(OtherProgram)
+
+    void run(const QString &statement) const
+    {
+        QSqlQuery query(m_database);
+        if (!query.exec(statement)) {
+            qFatal("%s", qUtf8Printable(query.lastError().text()));
+        }
+    }
+
+private:
+    QSqlDatabase m_database = QSqlDatabase::addDatabase(u"QSQLITE"_s, u"other"_s);
 };
 
 /// The count that stands beside the block's count button; -1 when there is no such button.
@@ -224,6 +265,12 @@ private Q_SLOTS:
     void longPagesReadThePicturesAFewTimesOnly();
     void numberWithASingleQuoteCountsNothing();
     void blobForANumberCountsNothing();
+    void missingNumberIsNoEmptyOne();
+    void numberThatIsNoUtf8CountsWhatTheStatementFinds();
+    void entriesWithoutAUsableIdHaveNoPictures();
+    void lockForAMomentCostsNoOtherEntryItsPictures_data();
+    void lockForAMomentCostsNoOtherEntryItsPictures();
+    void unreadablePictureCostsNoOtherEntryItsPictures();
 
 private:
     [[nodiscard]] QVariant anyNumber();
@@ -254,7 +301,7 @@ QVariant TestResultRows::anyNumber()
 {
     static const QStringList odd { u"1"_s, u"01"_s, u" 1"_s, u"a"_s, u"A"_s, u"7'8"_s, u"'"_s, u"7%2"_s, u"%1"_s,
         u"ü"_s, u"Ü"_s, u""_s, u"🚂"_s, u"7"_s + QChar(QChar::Null), u"7"_s + QChar(QChar::Null) + u"8"_s, Broken,
-        u"9"_s + QChar(QChar::ReplacementCharacter) };
+        u"9"_s + QChar(QChar::ReplacementCharacter), Latin, u"9§"_s, u"9§'"_s };
     const int which = m_random.bounded(m_differentNumbers);
     if (which < odd.size()) {
         return odd.at(which);
@@ -290,6 +337,7 @@ void TestResultRows::refill()
         }
     }
     write(u"UPDATE loc_seen SET nummer = CAST(X'39FF' AS TEXT) WHERE nummer = '%1'"_s.arg(Broken));
+    write(u"UPDATE loc_seen SET nummer = CAST(X'39A7' AS TEXT) WHERE nummer = '%1'"_s.arg(Latin));
     QVERIFY(transaction.commit());
 }
 
@@ -340,7 +388,7 @@ void TestResultRows::pagesAreThoseOfOneStatementPerRow()
 void TestResultRows::picturesAndCountsAreThoseOfSingleStatementsInAnyOrder()
 {
     const CatalogQuery &catalog = CatalogQuery::instance();
-    for (int catalogue = 0; catalogue < Catalogues / 10; ++catalogue) {
+    for (int catalogue = 0; catalogue < Catalogues; ++catalogue) {
         refill();
         QList<QSqlRecord> list;
         entriesOfModel(list, {}, Model);
@@ -407,6 +455,110 @@ void TestResultRows::blobForANumberCountsNothing()
     ResultRows rows(list);
     QCOMPARE(rows.entriesWithNumberOf(0), 0);
     QCOMPARE(rows.entriesWithNumberOf(1), 1); // the text "6"
+}
+
+void TestResultRows::missingNumberIsNoEmptyOne()
+{
+    addEntry(1, u""_s, Model);
+    addEntry(2, u""_s, Model);
+    addEntry(3, u"1"_s, Model);
+    write(u"CREATE TEMP TABLE loc_seen AS SELECT * FROM main.loc_seen"_s); // the file's own takes no NULL
+    write(u"UPDATE temp.loc_seen SET nummer = NULL WHERE id = 3"_s);
+    QList<QSqlRecord> list;
+    entriesOfModel(list, u"ORDER BY id"_s, Model);
+    QVERIFY(list.at(2).isNull(u"nummer"_s));
+    ResultRows rows(list);
+    QCOMPARE(CatalogQuery::instance().countEntriesByNumber(u""_s, Model), 2);
+    QCOMPARE(rows.entriesWithNumberOf(0), 2);
+    QCOMPARE(rows.entriesWithNumberOf(2), 2);
+}
+
+void TestResultRows::numberThatIsNoUtf8CountsWhatTheStatementFinds()
+{
+    addEntry(1, u"9§"_s, Model);
+    addEntry(2, u"8"_s, Model);
+    addEntry(3, u"7§'"_s, Model);
+    addEntry(4, u"7§'"_s, Model);
+    write(u"UPDATE loc_seen SET nummer = CAST(X'39A7' AS TEXT) WHERE id = 2"_s);
+    QList<QSqlRecord> list;
+    entriesOfModel(list, u"ORDER BY id"_s, Model);
+    ResultRows rows(list);
+    QCOMPARE(rows.number(1), u"9§"_s); // it cannot be told from the other here
+    QCOMPARE(rows.entriesWithNumberOf(0), 1);
+    QCOMPARE(rows.entriesWithNumberOf(1), 1);
+    QCOMPARE(rows.entriesWithNumberOf(2), 0);
+}
+
+void TestResultRows::entriesWithoutAUsableIdHaveNoPictures()
+{
+    for (const qint64 id : { Q_INT64_C(-1), Q_INT64_C(0), Q_INT64_C(7), Q_INT64_C(4294967303) }) {
+        write(u"INSERT INTO loc_picture (pictAuxPath, locpictureid) VALUES ('copy%1.jpg', %1)"_s.arg(id));
+        addEntry(1, QString::number(id), Model);
+        write(u"UPDATE loc_seen SET id = %1 WHERE id = 1"_s.arg(id)); // as another program may have stored it
+    }
+    SearchParameters parameters;
+    parameters.modelId = Model;
+    parameters.orderClause = u"ORDER BY id"_s;
+    PictureScene canvas;
+    canvas.startSearch(parameters, 1);
+    QCOMPARE(shownPage(canvas),
+        (QStringList { u"4"_s, u"-1 (-1): "_s, u"0 (-1): "_s, u"7 (-1): copy7.jpg"_s, u"0 (-1): "_s, u"end"_s }));
+}
+
+void TestResultRows::lockForAMomentCostsNoOtherEntryItsPictures_data()
+{
+    QTest::addColumn<int>("failures");
+    QTest::newRow("gone when the first entry is asked for alone") << 1;
+    QTest::newRow("gone when the second entry is asked for") << 2;
+}
+
+void TestResultRows::lockForAMomentCostsNoOtherEntryItsPictures()
+{
+    QFETCH(int, failures);
+    constexpr int Entries = 30;
+    QStringList expected { QString::number(Entries) };
+    for (int id = 1; id <= Entries; ++id) {
+        addEntry(id, u"1"_s, Model);
+        write(u"INSERT INTO loc_picture (pictAuxPath, locpictureid) VALUES ('copy.jpg', %1)"_s.arg(id));
+        const bool isLost = id == 1 && failures > 1;
+        expected.append(blockText(id, -1, isLost ? QStringList() : QStringList { u"copy.jpg"_s }));
+    }
+    write(u"PRAGMA busy_timeout=1"_s); // nobody waits here
+    const OtherProgram other;
+    SearchParameters parameters;
+    parameters.modelId = Model;
+    parameters.orderClause = u"ORDER BY id"_s;
+    PictureScene canvas;
+    StatementCounter reads("FROM loc_picture", [&other, failures](int count) {
+        if (count == 1 || count == failures + 1) {
+            other.run(count == 1 ? u"BEGIN EXCLUSIVE"_s : u"ROLLBACK"_s);
+        }
+    });
+    canvas.startSearch(parameters, 1);
+    QCOMPARE(shownPage(canvas), expected << u"end"_s);
+    QVERIFY2(reads.take() <= failures + 6, "the batches have not grown again");
+}
+
+/// One row that the database cannot read must not take the pictures of the page with it.
+void TestResultRows::unreadablePictureCostsNoOtherEntryItsPictures()
+{
+    constexpr int Entries = 30;
+    constexpr int Unreadable = 17;
+    QStringList expected { QString::number(Entries) };
+    for (int id = 1; id <= Entries; ++id) {
+        addEntry(id, u"1"_s, Model);
+        write(u"INSERT INTO loc_picture (pictAuxPath, locpictureid) VALUES ('copy.jpg', %1)"_s.arg(id));
+        expected.append(blockText(id, -1, id == Unreadable ? QStringList() : QStringList { u"copy.jpg"_s }));
+    }
+    write(u"CREATE TEMP VIEW loc_picture AS SELECT id, locpictureid, pictOrigPath, "
+          "CASE locpictureid WHEN %1 THEN abs(-9223372036854775807 - 1) ELSE pictAuxPath END AS pictAuxPath "
+          "FROM main.loc_picture"_s.arg(Unreadable));
+    SearchParameters parameters;
+    parameters.modelId = Model;
+    parameters.orderClause = u"ORDER BY id"_s;
+    PictureScene canvas;
+    canvas.startSearch(parameters, 1);
+    QCOMPARE(shownPage(canvas), expected << u"end"_s);
 }
 
 BAHNITO_TEST_MAIN(TestResultRows)
