@@ -51,9 +51,9 @@ constexpr std::array displayFonts {
 };
 
 /// The font database forgets style and size where the family is not installed; then they hold for its substitute.
-QFont displayFont(const QString &family, const QString &style, int pointSize)
+QFont displayFont(const QString &family, bool isInstalled, const QString &style, int pointSize)
 {
-    if (QFontDatabase::hasFamily(family)) {
+    if (isInstalled) {
         return QFontDatabase::font(family, style, pointSize);
     }
     QFont font(family, pointSize);
@@ -233,9 +233,11 @@ void ApplWindow::buildCanvas()
 void ApplWindow::registerFonts()
 {
     ColorSetting &setting = ColorSetting::instance();
+    const QString family = setting.fontFamily();
+    const bool isInstalled = QFontDatabase::hasFamily(family); // a list of all families, so only once
     for (const DisplayFont &font : displayFonts) {
         const QString style = QString::fromLatin1(font.style);
-        setting.addFont(displayFont(setting.fontFamily(), style, font.pointSize), 30, QRectF(1, 1, 1, 10), style,
+        setting.addFont(displayFont(family, isInstalled, style, font.pointSize), 30, QRectF(1, 1, 1, 10), style,
             font.pointSize, font.pixelSize);
     }
 }

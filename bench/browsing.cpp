@@ -13,8 +13,10 @@
 #include <QApplication>
 #include <QComboBox>
 #include <QDialog>
+#include <QEventLoop>
 #include <QPushButton>
 #include <QTextEdit>
+#include <QTimer>
 
 using namespace Qt::StringLiterals;
 
@@ -123,6 +125,14 @@ double Browsing::editFirstEntry()
     }
     QCoreApplication::processEvents();
     return nowMs() - closedAt;
+}
+
+void Browsing::look()
+{
+    constexpr int Glance = 200; // ms: five presses a second
+    QEventLoop loop;
+    QTimer::singleShot(Glance, &loop, &QEventLoop::quit);
+    loop.exec();
 }
 
 void Browsing::press(ButtonItem *button)

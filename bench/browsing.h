@@ -46,6 +46,9 @@ public:
     /// stored and its form closes to the painted page.
     [[nodiscard]] double editFirstEntry();
 
+    /// Looks at the page as a person does before the next press; the program has nothing to do meanwhile.
+    static void look();
+
     /// Presses a button of the canvas and waits until its effect is painted.
     void press(ButtonItem *button);
     void pressMore();

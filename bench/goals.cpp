@@ -62,9 +62,12 @@ QList<Goal> canvasGoals()
             1.3 },
         { u"back from a number listing after an edit there"_s, u"back after an edit"_s + Large, byDateFloor, 1.3 },
         { u"redraw after an edit"_s, u"redraw"_s + Large, byDateFloor, 1.3 },
-        besideFloor(u"arrow to the next pair"_s, u"arrow"_s, 1.5),
+        besideFloor(u"arrow to the next pair, after a glance"_s, u"arrow"_s, 1.5),
+        { u"the same without a pause"_s, u"arrow at once"_s + Large, u"arrow floor"_s + Large, 1.5 },
         { u"worst notch of the wheel over a page, all runs"_s, wheel, {}, 16, Goal::AtMost, u"ms"_s, Goal::Worst },
-        { u"worst Page Down over a page, all runs"_s, key, {}, 16, Goal::AtMost, u"ms"_s, Goal::Worst },
+        { u"worst Page Down over a page, five presses a second, all runs"_s, key, {}, 16, Goal::AtMost, u"ms"_s,
+            Goal::Worst },
+        { u"the same without a pause"_s, u"page step at once"_s + Large, {}, 0, Goal::AtMost, u"ms"_s, Goal::Worst },
     };
 }
 

@@ -10,18 +10,22 @@
 #include <QPixmap>
 #include <QScrollBar>
 
+#include <functional>
+
 using namespace Qt::StringLiterals;
 
 namespace {
 
 constexpr int PicturesOfAPage = 240;
 
-void scrollThrough(Browsing &browsing)
+void scrollThrough(
+    Browsing &browsing, const std::function<void()> &pause = [] {})
 {
     QScrollBar *bar = browsing.view()->verticalScrollBar();
     while (bar->value() < bar->maximum()) {
         bar->setValue(bar->value() + bar->pageStep());
         browsing.watch().waitForPaint();
+        pause();
     }
 }
 
@@ -32,7 +36,8 @@ int Memory::ofScrolledPage()
     Browsing browsing;
     const int before = residentKb();
     browsing.search({ BenchCatalogue::FullClass, u"Datum"_s, false, false });
-    scrollThrough(browsing);
+    Browsing::look(); // so that what is decoded ahead counts
+    scrollThrough(browsing, Browsing::look);
     return residentKb() - before;
 }
 

@@ -123,13 +123,18 @@ void pressPageDown(const Browsing &browsing)
     QCoreApplication::sendEvent(browsing.view(), &event);
 }
 
+enum class Pace { AtOnce, AsAPerson };
+
 /// The longest of all steps over a page whose entries have six pictures each.
-double worstStep(Browsing &browsing, void (*step)(const Browsing &))
+double worstStep(Browsing &browsing, void (*step)(const Browsing &), Pace pace)
 {
     browsing.search({ BenchCatalogue::FullClass, u"Datum"_s, false, false });
     const QScrollBar *bar = browsing.view()->verticalScrollBar();
     double worst = 0;
     while (bar->value() < bar->maximum()) {
+        if (pace == Pace::AsAPerson) {
+            Browsing::look();
+        }
         const double taken = elapsed([&] {
             step(browsing);
             browsing.watch().waitForPaint();
@@ -139,24 +144,27 @@ double worstStep(Browsing &browsing, void (*step)(const Browsing &))
     return worst;
 }
 
-/// To the second pair of a block's pictures and, not counted, back to the first.
-double turnPictures(Browsing &browsing, const EntryBlock &block)
+/// To the second pair of the first entry's pictures, on a page that has just been painted.
+double turnPictures(Browsing &browsing, const SearchWish &wish, Pace pace)
 {
-    ButtonItem *right = findButton(block.childItems(), ButtonKind::Right);
-    const double taken = elapsed([&] { browsing.press(right); });
-    browsing.press(findButton(block.childItems(), ButtonKind::Left));
-    return taken;
+    browsing.search(wish);
+    if (pace == Pace::AsAPerson) {
+        Browsing::look();
+    }
+    ButtonItem *right = findButton(browsing.results().blocks().first()->childItems(), ButtonKind::Right);
+    return elapsed([&] { browsing.press(right); });
 }
 
 QList<Operation> turning(Browsing &browsing)
 {
-    browsing.search({ BenchCatalogue::FullClass, u"Datum"_s, false, false });
+    const SearchWish wish { BenchCatalogue::FullClass, u"Datum"_s, false, false };
+    browsing.search(wish);
     const EntryBlock *block = browsing.results().blocks().first();
     browsing.press(findButton(block->childItems(), ButtonKind::Right));
     const QList<ShownPicture> pair = shownPictures(browsing, block->childItems());
-    browsing.press(findButton(block->childItems(), ButtonKind::Left));
     return {
-        { u"arrow"_s, [&browsing, block] { return turnPictures(browsing, *block); } },
+        { u"arrow"_s, [&browsing, wish] { return turnPictures(browsing, wish, Pace::AsAPerson); } },
+        { u"arrow at once"_s, [&browsing, wish] { return turnPictures(browsing, wish, Pace::AtOnce); } },
         { u"arrow floor"_s, [pair] { return elapsed([&pair] { decodePlainly(pair); }); } },
     };
 }
@@ -174,8 +182,9 @@ Timings measureCanvas(int repetitions)
     Browsing browsing;
     Timings timings = measure(turning(browsing), 3 * repetitions);
     const QList<Operation> scrolling {
-        { u"wheel step"_s, [&browsing] { return worstStep(browsing, turnWheel); } },
-        { u"page step"_s, [&browsing] { return worstStep(browsing, pressPageDown); } },
+        { u"wheel step"_s, [&browsing] { return worstStep(browsing, turnWheel, Pace::AtOnce); } },
+        { u"page step"_s, [&browsing] { return worstStep(browsing, pressPageDown, Pace::AsAPerson); } },
+        { u"page step at once"_s, [&browsing] { return worstStep(browsing, pressPageDown, Pace::AtOnce); } },
     };
     timings.insert(measure(scrolling, std::max(3, repetitions / 3)));
     return timings;

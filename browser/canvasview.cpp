@@ -1,6 +1,7 @@
 #include "browser/canvasview.h"
 
 #include "browser/canvasaccessible.h"
+#include "browser/decodeahead.h"
 #include "browser/picturescene.h"
 
 #include <QFocusEvent>
@@ -18,6 +19,7 @@ constexpr int ScrollMargin = 40; // pixels kept visible around the focused item
 
 CanvasView::CanvasView(QWidget *parent)
     : QGraphicsView(parent)
+    , m_decodeAhead(std::make_unique<DecodeAhead>(*this))
 {
     CanvasAccessible::install(); // first of all, because setting a name already asks for the view's description
     setAlignment(Qt::AlignLeft | Qt::AlignTop);
@@ -25,7 +27,10 @@ CanvasView::CanvasView(QWidget *parent)
     setFrameShape(QFrame::NoFrame);
     setObjectName(QStringLiteral("canvasView"));
     setAccessibleName(tr("Einträge"));
+    connect(this, &CanvasView::itemsChanged, m_decodeAhead.get(), &DecodeAhead::stop); // until they are painted
 }
+
+CanvasView::~CanvasView() = default;
 
 PictureScene *CanvasView::canvas() const
 {
@@ -64,6 +69,18 @@ void CanvasView::focusInEvent(QFocusEvent *event)
     if (canvas() && !canvas()->focusItem() && (isForward || event->reason() == Qt::BacktabFocusReason)) {
         moveFocus(isForward ? 1 : -1); // else one more key press would be needed to see where the keyboard is
     }
+}
+
+void CanvasView::hideEvent(QHideEvent *event)
+{
+    m_decodeAhead->stop();
+    QGraphicsView::hideEvent(event);
+}
+
+void CanvasView::paintEvent(QPaintEvent *event)
+{
+    QGraphicsView::paintEvent(event);
+    m_decodeAhead->begin();
 }
 
 void CanvasView::keyPressEvent(QKeyEvent *event)

@@ -2,6 +2,9 @@
 
 #include <QGraphicsView>
 
+#include <memory>
+
+class DecodeAhead;
 class PictureScene;
 
 /// The window onto a canvas. Adds the keyboard to it: Tab and the arrow keys walk through its buttons and photographs,
@@ -12,6 +15,7 @@ class CanvasView final : public QGraphicsView
 
 public:
     explicit CanvasView(QWidget *parent = nullptr);
+    ~CanvasView() override;
 
     [[nodiscard]] PictureScene *canvas() const;
 
@@ -23,6 +27,8 @@ Q_SIGNALS:
 
 protected:
     void focusInEvent(QFocusEvent *event) override;
+    void hideEvent(QHideEvent *event) override;
+    void paintEvent(QPaintEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
     bool focusNextPrevChild(bool next) override;
 
@@ -31,4 +37,6 @@ private:
     bool moveFocusToRow(int direction);
     bool scrollBy(int key);
     void focusOn(QGraphicsItem *item);
+
+    std::unique_ptr<DecodeAhead> m_decodeAhead;
 };

@@ -8,6 +8,7 @@
 #include <QStyleOptionGraphicsItem>
 
 #include <algorithm>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -60,13 +61,37 @@ bool EntryBlock::turnTo(const QString &key)
     for (int first = 0; first < m_card.pictures.size(); first += PairSize) {
         m_firstPicture = first;
         if (this->key() == key) {
-            qDeleteAll(m_pairItems);
-            m_pairItems.clear();
+            removePair();
             addPair();
             return true;
         }
     }
     m_firstPicture = former;
+    return false;
+}
+
+bool EntryBlock::decodeShown(double scale)
+{
+    return std::any_of(m_pairItems.begin(), m_pairItems.end(), [scale](QGraphicsItem *item) {
+        auto *picture = qgraphicsitem_cast<Picture *>(item);
+        return picture && picture->decodeAhead(scale);
+    });
+}
+
+bool EntryBlock::decodeFurther(double scale)
+{
+    const int first = std::max(0, m_firstPicture - PairSize);
+    const int end = std::min(m_firstPicture + 2 * PairSize, int(m_card.pictures.size()));
+    for (int i = first; i < end; ++i) {
+        const bool isShown = i >= m_firstPicture && i < m_firstPicture + PairSize;
+        if (isShown || m_further.contains(i)) {
+            continue;
+        }
+        std::unique_ptr<Picture> picture = makePicture(i);
+        picture->decodeAhead(scale);
+        m_further.emplace(i, std::move(picture));
+        return true;
+    }
     return false;
 }
 
@@ -161,16 +186,31 @@ void EntryBlock::addPair()
         addArrow(ButtonKind::Left, ArrowLeft);
     }
     for (int i = m_firstPicture; i < std::min(m_firstPicture + PairSize, pictures); ++i) {
-        const int x = PicturesLeft + (i - m_firstPicture) * (PictureBox.width() + PictureGap);
-        auto *picture = new Picture(m_card.pictures.at(i), PictureBox, this);
-        picture->setPos(x, Padding);
-        picture->setName(CanvasTexts::pictureName(i, pictures));
+        auto further = m_further.extract(i);
+        const bool isUsable = further && further.mapped()->isFileUnchanged();
+        Picture *picture = (isUsable ? std::move(further.mapped()) : makePicture(i)).release();
+        picture->setParentItem(this);
         m_pairItems.append(picture);
     }
     if (m_firstPicture + PairSize < pictures) {
         addArrow(ButtonKind::Right, ArrowRight);
     }
     m_pictureText->setPlainText(CanvasTexts::picturesShown(m_firstPicture, pictures));
+}
+
+void EntryBlock::removePair()
+{
+    qDeleteAll(m_pairItems);
+    m_pairItems.clear();
+}
+
+/// Not on the canvas until it gets a parent.
+std::unique_ptr<Picture> EntryBlock::makePicture(int index) const
+{
+    auto picture = std::make_unique<Picture>(m_card.pictures.at(index), PictureBox);
+    picture->setPos(PicturesLeft + index % PairSize * (PictureBox.width() + PictureGap), Padding);
+    picture->setName(CanvasTexts::pictureName(index, int(m_card.pictures.size())));
+    return picture;
 }
 
 void EntryBlock::addArrow(ButtonKind kind, int x)

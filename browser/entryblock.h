@@ -6,6 +6,9 @@
 
 #include <QGraphicsItem>
 
+#include <map>
+#include <memory>
+
 class TextItem;
 
 /// The card of one entry: its texts at the left, at the right two of its pictures side by side with arrows to the
@@ -38,6 +41,13 @@ public:
     /// Shows another pair of pictures if `key` names one of this block; else changes nothing and returns false.
     bool turnTo(const QString &key);
 
+    /// Decodes one photograph of the pair that is shown before it is seen; false when there is none left.
+    bool decodeShown(double scale);
+
+    /// The same with one photograph of a pair that an arrow would bring, which is kept beside the canvas.
+    bool decodeFurther(double scale);
+    void forgetFurther() { m_further.clear(); }
+
     /// Buttons and photographs in the order in which the keyboard walks through them.
     [[nodiscard]] QList<QGraphicsItem *> focusItems() const;
 
@@ -49,6 +59,8 @@ private:
     double addWideTexts(const QString &comment);
     double addButtons(double top);
     void addPair();
+    void removePair();
+    [[nodiscard]] std::unique_ptr<Picture> makePicture(int index) const;
     void addArrow(ButtonKind kind, int x);
     TextItem *addText(const QString &text, int font, const QColor &color, double top, double left, double width);
 
@@ -61,4 +73,5 @@ private:
     TextItem *m_pictureText = nullptr; // a child like all that follow
     QList<QGraphicsItem *> m_buttons;
     QList<QGraphicsItem *> m_pairItems; // of the shown pair, in reading order
+    std::map<int, std::unique_ptr<Picture>> m_further; // photographs of other pairs by their index; not on the canvas
 };

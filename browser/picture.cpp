@@ -6,6 +6,8 @@
 #include "store/pictureloader.h"
 
 #include <QCoreApplication>
+#include <QDateTime>
+#include <QFileInfo>
 #include <QPainter>
 
 #include <utility>
@@ -17,6 +19,8 @@ namespace {
 constexpr int Mat = 5; // white edge around the photograph, in pixels
 constexpr QSize PlaceholderSize(480, 320);
 constexpr QSize SmallestFrame(40, 40); // a photograph of a few pixels can still be seen and clicked
+constexpr qint64 MostPixelsAhead = 562'500; // of a copy of 750 x 750
+constexpr qint64 MostBytesAhead = 1'000'000; // several times those of a copy
 constexpr QColor NoticeColor(86, 72, 52);
 const QString PlaceholderImage = u":/images/placeholder.png"_s;
 
@@ -37,6 +41,7 @@ Picture::Picture(const PicturePaths &paths, const QSize &box, QGraphicsItem *par
     const QSize room = box - QSize(2 * Mat, 2 * Mat);
     const QSize size = pictureSize(paths.copy);
     m_isPlaceholder = size.isEmpty();
+    m_isQuick = size.width() * qint64(size.height()) <= MostPixelsAhead;
     const QSize shown = fittedInto(m_isPlaceholder ? PlaceholderSize : size, room);
     m_frame = centredIn(QRect({ 0, 0 }, box), (shown + QSize(2 * Mat, 2 * Mat)).expandedTo(SmallestFrame));
     place(shown);
@@ -73,7 +78,8 @@ void Picture::paint(QPainter *painter, const QStyleOptionGraphicsItem *option, Q
     Q_UNUSED(option)
     Q_UNUSED(widget)
     const double scale = painter->device()->devicePixelRatioF();
-    if (m_pixmap.isNull() || !qFuzzyCompare(m_pixmap.devicePixelRatio(), scale)) {
+    const bool isOutdated = std::exchange(m_isAhead, false) && !isFileUnchanged();
+    if (isOutdated || !isDecodedFor(scale)) {
         decode(scale);
     }
     painter->setPen(QPen(QColor(0, 0, 0, 110), 1));
@@ -89,8 +95,35 @@ void Picture::paint(QPainter *painter, const QStyleOptionGraphicsItem *option, Q
     }
 }
 
+bool Picture::decodeAhead(double scale)
+{
+    if (!m_isQuick || isDecodedFor(scale) || fileState().size > MostBytesAhead) {
+        return false;
+    }
+    decode(scale);
+    m_isAhead = true;
+    return true;
+}
+
+bool Picture::isFileUnchanged() const
+{
+    return fileState() == m_decodedFile;
+}
+
+Picture::FileState Picture::fileState() const
+{
+    const QFileInfo file(m_paths.copy);
+    return { file.size(), file.lastModified().toMSecsSinceEpoch() };
+}
+
+bool Picture::isDecodedFor(double scale) const
+{
+    return isDecoded() && qFuzzyCompare(m_pixmap.devicePixelRatio(), scale);
+}
+
 void Picture::decode(double scale)
 {
+    m_decodedFile = fileState();
     const SizeChoice wanted = [this, scale](const QSize &) { return m_area.size() * scale; };
     QImage image = m_isPlaceholder ? QImage() : loadPicture(m_paths.copy, wanted, Reduction::Quick);
     if (image.isNull()) {

@@ -12,7 +12,8 @@ struct PicturePaths
 };
 
 /// A framed photograph on the canvas, fitted into a box and centred in it, never enlarged.
-/// Only the file's header is read at first; the picture is decoded when it is painted for the first time.
+/// Only the file's header is read at first; the picture is decoded when it is painted for the first time, or before if
+/// there is time for it.
 class Picture final : public QGraphicsItem
 {
 public:
@@ -31,6 +32,15 @@ public:
     /// Whether a placeholder stands for the photograph, because its copy is missing or cannot be read.
     [[nodiscard]] bool isPlaceholder() const { return m_isPlaceholder; }
 
+    /// Decodes the picture before it is seen, for a screen of this scale. False when nothing was to be done, and for a
+    /// file that no copy of ours would be as large as: it may take long, so it waits until somebody wants to see it.
+    bool decodeAhead(double scale);
+
+    [[nodiscard]] bool isDecoded() const { return !m_pixmap.isNull(); }
+
+    /// Whether the file is still as it was when it was decoded.
+    [[nodiscard]] bool isFileUnchanged() const;
+
     /// Outer edge of the frame, relative to the box.
     [[nodiscard]] QRectF frame() const { return m_frame; }
 
@@ -41,6 +51,16 @@ public:
     void paint(QPainter *painter, const QStyleOptionGraphicsItem *option, QWidget *widget) override;
 
 private:
+    struct FileState
+    {
+        qint64 size = 0;
+        qint64 modified = 0; // ms
+
+        bool operator==(const FileState &) const = default;
+    };
+
+    [[nodiscard]] FileState fileState() const;
+    [[nodiscard]] bool isDecodedFor(double scale) const;
     void place(const QSize &shown);
     void decode(double scale);
     void paintNotice(QPainter *painter) const;
@@ -51,4 +71,7 @@ private:
     QRect m_frame;
     QRect m_area; // of the photograph inside the frame
     QPixmap m_pixmap;
+    FileState m_decodedFile; // the file at the time when it was decoded
+    bool m_isQuick; // no larger than a copy of ours
+    bool m_isAhead = false; // decoded, but not painted since
 };
