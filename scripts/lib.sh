@@ -4,7 +4,7 @@
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd -P)
 
 # Everything that a bare Debian 12 lacks, in one place.
-build_packages=(g++ cmake ninja-build qt6-base-dev qt6-translations-l10n)
+build_packages=(g++ cmake ninja-build qt6-base-dev libsqlite3-dev qt6-translations-l10n)
 # The database driver, the fonts that stand in for those of Windows, and what opens a photograph in its viewer.
 run_packages=(libqt6sql6-sqlite fonts-open-sans fonts-liberation fonts-dejavu-core xdg-utils)
 # What the test of the Debian package makes it with.

@@ -5,13 +5,43 @@
 
 #include <QCoreApplication>
 #include <QSqlDatabase>
+#include <QSqlDriver>
 #include <QSqlError>
 #include <QSqlQuery>
 #include <QVariant>
 
 #include <array>
 
+#include <sqlite3.h>
+
 using namespace Qt::StringLiterals;
+
+namespace {
+
+/// The driver's own connection; none when the driver has another SQLite than this program.
+sqlite3 *openConnection()
+{
+    QSqlQuery query(u"SELECT sqlite_source_id()"_s);
+    const bool isSameLibrary = query.next() && query.value(0).toString() == QString::fromLatin1(sqlite3_sourceid());
+    const QVariant handle = QSqlDatabase::database().driver()->handle();
+    const bool isConnection = isSameLibrary && qstrcmp(handle.typeName(), "sqlite3*") == 0;
+    return isConnection ? *static_cast<sqlite3 *const *>(handle.constData()) : nullptr;
+}
+
+/// A view in place of a table can yield rows without end, and so can a trigger. The program makes neither, so what a
+/// file brings of them is not followed: reading such a view fails, and a trigger does nothing.
+void ignoreViewsAndTriggers()
+{
+    sqlite3 *connection = openConnection();
+    if (!connection) {
+        qWarning("Sichten und Auslöser der Datenbank werden nicht ausgeschaltet.");
+        return;
+    }
+    sqlite3_db_config(connection, SQLITE_DBCONFIG_ENABLE_VIEW, 0, nullptr);
+    sqlite3_db_config(connection, SQLITE_DBCONFIG_ENABLE_TRIGGER, 0, nullptr);
+}
+
+} // namespace
 
 QString databasePath()
 {
@@ -33,6 +63,7 @@ bool connectDatabase()
     query.exec(u"PRAGMA synchronous=EXTRA"_s);
     query.exec(u"PRAGMA trusted_schema=OFF"_s);
     query.exec(u"PRAGMA cell_size_check=ON"_s);
+    ignoreViewsAndTriggers();
     return true;
 }
 
@@ -61,9 +92,11 @@ void createTables(Existing existing)
     if (transaction.isOpen() && existing == Existing::Keep && !isDatabaseEmpty()) {
         return;
     }
+    sqlite3 *connection = openConnection();
     QSqlQuery query;
     for (const QString &statement : statements) {
-        if (transaction.isOpen()) {
+        // Some failures, as of the disk, end the transaction; what came next would be stored without the rest.
+        if (transaction.isOpen() && (!connection || sqlite3_get_autocommit(connection) == 0)) {
             query.exec(statement);
         }
     }

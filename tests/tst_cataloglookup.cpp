@@ -1,9 +1,9 @@
 #include "store/catalogquery.h"
-#include "store/statement.h"
 #include "tests/support/testcatalogue.h"
 #include "tests/support/testmain.h"
 
 #include <QApplication>
+#include <QSqlQuery>
 #include <QTest>
 
 #include <memory>
@@ -32,7 +32,7 @@ private Q_SLOTS:
 
 private:
     [[nodiscard]] static QStringList column(const QList<QSqlRecord> &rows, const QString &name);
-    static void write(const QString &statement) { QVERIFY(executeWrite(statement).done); }
+    static void write(const QString &statement) { QVERIFY(QSqlQuery().exec(statement)); }
 
     std::unique_ptr<TestCatalogue> m_catalogue;
     CatalogQuery *m_query = nullptr;

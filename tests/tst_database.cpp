@@ -28,6 +28,7 @@ private Q_SLOTS:
 
     void connectionIsTheDefaultOneOnTheFixedFile();
     void connectionIsTunedWithoutChangingTheFile();
+    void viewsAndTriggersOfTheFileAreNotFollowed();
     void failedConnectionShowsTheDriversText();
     void newCatalogueHasExactlyTheseTables_data();
     void newCatalogueHasExactlyTheseTables();
@@ -74,6 +75,19 @@ void TestDatabase::connectionIsTunedWithoutChangingTheFile()
     QCOMPARE(value(u"PRAGMA foreign_keys"_s).toInt(), 0);
     QCOMPARE(value(u"PRAGMA journal_mode"_s).toString(), u"delete"_s);
     QCOMPARE(QFile(databasePath()).size(), 0);
+}
+
+void TestDatabase::viewsAndTriggersOfTheFileAreNotFollowed()
+{
+    openWithTables();
+    m_catalogue->addGroup(u"Krokodile"_s);
+    QSqlQuery query;
+    QVERIFY(query.exec(u"CREATE TRIGGER t AFTER UPDATE ON settings BEGIN DELETE FROM locomotive; END"_s));
+    QVERIFY(query.exec(u"UPDATE settings SET value = 1"_s));
+    QCOMPARE(value(u"SELECT COUNT(*) FROM locomotive"_s).toInt(), 1);
+    QVERIFY(query.exec(u"CREATE VIEW groups AS SELECT * FROM locomotive"_s));
+    QVERIFY(!query.exec(u"SELECT * FROM groups"_s));
+    QVERIFY2(query.lastError().text().contains(u"groups"_s), qUtf8Printable(query.lastError().text()));
 }
 
 void TestDatabase::failedConnectionShowsTheDriversText()

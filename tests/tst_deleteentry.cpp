@@ -336,7 +336,8 @@ void TestDeleteEntry::readOnlyCatalogueLosesNothing()
 void TestDeleteEntry::failedDeletionOfPicturesKeepsTheEntry()
 {
     QVERIFY(
-        executeWrite(u"CREATE TRIGGER t BEFORE DELETE ON loc_picture BEGIN SELECT RAISE(ABORT, 'no way'); END"_s).done);
+        executeWrite(u"CREATE TEMP TRIGGER t BEFORE DELETE ON loc_picture BEGIN SELECT RAISE(ABORT, 'no way'); END"_s)
+            .done);
     ModalScript script;
     script.box(u"Eintrag Entfernen"_s, question(u"11407"_s), u"Ja"_s).anyBox(u"DB-Löschen"_s);
     QVERIFY(!remove());
@@ -347,8 +348,8 @@ void TestDeleteEntry::failedDeletionOfPicturesKeepsTheEntry()
 
 void TestDeleteEntry::failedDeletionOfTheEntryKeepsThePictureRows()
 {
-    QVERIFY(
-        executeWrite(u"CREATE TRIGGER t BEFORE DELETE ON loc_seen BEGIN SELECT RAISE(ABORT, 'no way'); END"_s).done);
+    QVERIFY(executeWrite(u"CREATE TEMP TRIGGER t BEFORE DELETE ON loc_seen BEGIN SELECT RAISE(ABORT, 'no way'); END"_s)
+                .done);
     ModalScript script;
     script.box(u"Eintrag Entfernen"_s, question(u"11407"_s), u"Ja"_s).anyBox(u"DB-Löschen"_s);
     QVERIFY(!remove());

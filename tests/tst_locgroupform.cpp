@@ -181,8 +181,8 @@ qsizetype TestLocGroupForm::copies() const
 /// Makes the database refuse a kind of write, for example "INSERT ON locomotive".
 void TestLocGroupForm::refuse(const QString &what)
 {
-    QVERIFY(
-        QSqlQuery().exec(u"CREATE TRIGGER refuse BEFORE %1 BEGIN SELECT RAISE(ABORT, 'verweigert'); END"_s.arg(what)));
+    QVERIFY(QSqlQuery().exec(
+        u"CREATE TEMP TRIGGER refuse BEFORE %1 BEGIN SELECT RAISE(ABORT, 'verweigert'); END"_s.arg(what)));
 }
 
 void TestLocGroupForm::slotsKeepTheirOrder()

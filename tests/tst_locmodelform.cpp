@@ -130,7 +130,7 @@ void TestLocModelForm::init()
 void TestLocModelForm::refuse(const QString &what)
 {
     QVERIFY(
-        QSqlQuery().exec(u"CREATE TRIGGER refuse BEFORE %1 BEGIN SELECT RAISE(ABORT, 'verweigert'); END"_s.arg(what)));
+        QSqlQuery().exec(u"CREATE TEMP TRIGGER refuse BEFORE %1 BEGIN SELECT RAISE(ABORT, 'verweigert'); END"_s.arg(what)));
 }
 
 void TestLocModelForm::slotsKeepTheirOrder()

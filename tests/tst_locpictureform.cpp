@@ -654,7 +654,7 @@ void TestLocPictureForm::cancelledPictureOfAnEntryStays()
 
 void TestLocPictureForm::failedInsertLeavesTheFolderUnchanged()
 {
-    run(u"CREATE TRIGGER refuse BEFORE INSERT ON loc_picture BEGIN SELECT RAISE(ABORT, 'abgelehnt'); END"_s);
+    run(u"CREATE TEMP TRIGGER refuse BEFORE INSERT ON loc_picture BEGIN SELECT RAISE(ABORT, 'abgelehnt'); END"_s);
     LocPictureForm form(Entry, -1);
     choose(form);
     ModalScript script;
@@ -824,7 +824,7 @@ void TestLocPictureForm::failedReplacementIsToldAndTheFormCloses()
 {
     const int picture = m_catalogue->addPicture(Entry);
     const QString former = column(u"pictAuxPath"_s);
-    run(u"CREATE TRIGGER refuse BEFORE UPDATE ON loc_picture BEGIN SELECT RAISE(ABORT, 'abgelehnt'); END"_s);
+    run(u"CREATE TEMP TRIGGER refuse BEFORE UPDATE ON loc_picture BEGIN SELECT RAISE(ABORT, 'abgelehnt'); END"_s);
     LocPictureForm form(Entry, picture);
     choose(form);
     ModalScript script;
@@ -924,7 +924,7 @@ void TestLocPictureForm::deletingNeverTouchesAnotherFile()
 void TestLocPictureForm::failedDeletionIsTold()
 {
     const int picture = m_catalogue->addPicture(Entry);
-    run(u"CREATE TRIGGER refuse BEFORE DELETE ON loc_picture BEGIN SELECT RAISE(ABORT, 'abgelehnt'); END"_s);
+    run(u"CREATE TEMP TRIGGER refuse BEFORE DELETE ON loc_picture BEGIN SELECT RAISE(ABORT, 'abgelehnt'); END"_s);
     ModalScript script;
     script.anyBox(u"DB-Delete"_s);
     LocPictureForm::deletePicture(picture, false);

@@ -132,7 +132,7 @@ void run(const QString &statement)
 /// Makes the next write of this kind fail with a text of its own.
 void refuse(const QString &kind, const QString &tableName)
 {
-    run(u"CREATE TRIGGER refuse BEFORE %1 ON %2 BEGIN SELECT RAISE(ABORT, 'abgelehnt'); END"_s.arg(kind, tableName));
+    run(u"CREATE TEMP TRIGGER refuse BEFORE %1 ON %2 BEGIN SELECT RAISE(ABORT, 'abgelehnt'); END"_s.arg(kind, tableName));
 }
 
 /// Expects an information box with this title and the driver's text.

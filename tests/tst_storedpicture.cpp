@@ -61,7 +61,7 @@ void TestStoredPicture::removedPictureHasNeitherRowNorCopy()
 
 void TestStoredPicture::copyStaysWhereTheDeletionIsIgnored()
 {
-    QVERIFY(executeWrite(u"CREATE TRIGGER t BEFORE DELETE ON loc_picture BEGIN SELECT RAISE(IGNORE); END"_s).done);
+    QVERIFY(executeWrite(u"CREATE TEMP TRIGGER t BEFORE DELETE ON loc_picture BEGIN SELECT RAISE(IGNORE); END"_s).done);
     QCOMPARE(remove(), Missing);
     QCOMPARE(rows(), 1);
     QVERIFY(hasCopy());

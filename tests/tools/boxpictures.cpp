@@ -64,7 +64,7 @@ void addMaintenanceBoxes(Album &album, int group)
     addBoxOf(album, u"box-gruppe-entfernen"_s, groups, pressForRow(0, u"deleteButton"_s));
     addBoxOf(album, u"box-baureihe-entfernen"_s, models, pressForRow(1, u"deleteButton"_s));
     addBoxOf(album, u"box-bilddatei-fehlt"_s, groups, pressForRow(1, u"showPictureButton"_s));
-    (void)executeWrite(u"CREATE TRIGGER full BEFORE INSERT ON loc_model BEGIN "
+    (void)executeWrite(u"CREATE TEMP TRIGGER full BEFORE INSERT ON loc_model BEGIN "
                        "SELECT RAISE(ABORT, 'database or disk is full'); END"_s);
     addBoxOf(album, u"box-db-insert"_s, models, [](QWidget *dialog) {
         QTest::keyClicks(dialog->findChild<QLineEdit *>(u"nameEdit"_s), u"Re 6/6"_s);
