@@ -53,7 +53,7 @@ void LocseenForm::checktextEdits()
         m_saveButton->setEnabled(isEdited());
         return;
     }
-    if (!m_numberEdit->text().isEmpty() && !m_commentEdit->toPlainText().isEmpty() && !m_placeEdit->text().isEmpty()) {
+    if (!m_numberEdit->text().isEmpty() && !commentText().isEmpty() && !m_placeEdit->text().isEmpty()) {
         m_saveButton->setEnabled(true);
     }
 }
@@ -172,7 +172,7 @@ void LocseenForm::keepAsStored()
 {
     m_storedNumber = m_numberEdit->text();
     m_storedPlace = m_placeEdit->text();
-    m_storedComment = m_commentEdit->toPlainText();
+    m_storedComment = commentText();
     m_storedSeenDate = m_seenDateEdit->date();
 }
 
@@ -182,7 +182,7 @@ bool LocseenForm::isEdited() const
         return false;
     }
     return m_numberEdit->text() != m_storedNumber || m_placeEdit->text() != m_storedPlace
-        || m_seenDateEdit->date() != *m_storedSeenDate || m_commentEdit->toPlainText() != m_storedComment;
+        || m_seenDateEdit->date() != *m_storedSeenDate || commentText() != m_storedComment;
 }
 
 void LocseenForm::takePictureDate(const QDate &date)

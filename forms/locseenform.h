@@ -50,6 +50,7 @@ private:
     void lockTexts();
     void keepAsStored();
     [[nodiscard]] bool isEdited() const;
+    [[nodiscard]] QString commentText() const;
     [[nodiscard]] QSqlRecord fieldValues() const;
     [[nodiscard]] QSqlRecord editedRow(const QSqlRecord &stored) const;
     void insertEntry();

@@ -1,7 +1,6 @@
 #include "forms/locseenform.h"
 
 #include "search/messagebox.h"
-#include "store/catalogquery.h"
 #include "store/statement.h"
 #include "store/textcut.h"
 #include "store/transaction.h"
@@ -9,7 +8,10 @@
 #include <QDateEdit>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QSqlError>
 #include <QSqlField>
+#include <QSqlQuery>
+#include <QTextDocument>
 #include <QTextEdit>
 
 #include <algorithm>
@@ -19,6 +21,11 @@ using namespace Qt::StringLiterals;
 // How what was typed gets into the database.
 
 namespace {
+
+QString vanishedEntryText()
+{
+    return LocseenForm::tr("Der Eintrag ist nicht mehr vorhanden, er wurde inzwischen gelöscht.");
+}
 
 /// The comment on one line, as the canvas and the lists show it.
 QString storedComment(QString text)
@@ -33,6 +40,13 @@ QString storedComment(QString text)
 
 } // namespace
 
+/// With the text control's own signs for the ends of lines. Its plain text has blanks in the place of no-break spaces:
+/// an edit of one word would replace all of them in the comment, and putting one in would be no edit.
+QString LocseenForm::commentText() const
+{
+    return m_commentEdit->document()->toRawText();
+}
+
 /// The columns as they are stored, of what the fields hold now.
 QSqlRecord LocseenForm::fieldValues() const
 {
@@ -44,7 +58,7 @@ QSqlRecord LocseenForm::fieldValues() const
     };
     add(u"nummer"_s, cutText(m_numberEdit->text(), TextLimit::Number));
     add(u"ort"_s, cutText(m_placeEdit->text(), TextLimit::Place));
-    add(u"kommentar"_s, storedComment(m_commentEdit->toPlainText()));
+    add(u"kommentar"_s, storedComment(commentText()));
     add(u"locseendate"_s, m_seenDateEdit->date());
     return row;
 }
@@ -61,7 +75,7 @@ QSqlRecord LocseenForm::editedRow(const QSqlRecord &stored) const
     };
     keepUnless(m_numberEdit->text() != m_storedNumber, u"nummer"_s);
     keepUnless(m_placeEdit->text() != m_storedPlace, u"ort"_s);
-    keepUnless(m_commentEdit->toPlainText() != m_storedComment, u"kommentar"_s);
+    keepUnless(commentText() != m_storedComment, u"kommentar"_s);
     keepUnless(m_seenDateEdit->date() != m_storedSeenDate, u"locseendate"_s);
     return row;
 }
@@ -101,9 +115,13 @@ WriteOutcome LocseenForm::storeEdits()
     if (!transaction.isOpen()) {
         return { false, transaction.errorText() };
     }
-    QList<QSqlRecord> rows;
-    CatalogQuery::instance().entryById(rows, m_entryId);
-    const QSqlRecord row = editedRow(rows.value(0, m_row));
+    QSqlQuery stored(u"SELECT * FROM loc_seen WHERE id = %1"_s.arg(m_entryId));
+    if (!stored.next()) { // what this window has read before must not be written over what another one has stored
+        const bool couldBeRead = !stored.lastError().isValid();
+        return { false, couldBeRead ? vanishedEntryText() : stored.lastError().text() };
+    }
+    const QSqlRecord row = editedRow(stored.record());
+    stored.finish();
     WriteOutcome outcome = runWrite(
         u"UPDATE loc_seen SET nummer = :num, ort = :ort, kommentar = :kmt,  locseendate = :seend WHERE id = %1"_s.arg(
             m_entryId),
@@ -113,7 +131,7 @@ WriteOutcome LocseenForm::storeEdits()
         return outcome;
     }
     if (outcome.rows == 0) {
-        return { false, tr("Der Eintrag ist nicht mehr vorhanden, er wurde inzwischen gelöscht.") };
+        return { false, vanishedEntryText() };
     }
     if (!transaction.commit()) {
         return { false, transaction.errorText() };

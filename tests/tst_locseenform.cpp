@@ -132,7 +132,8 @@ void run(const QString &statement)
 /// Makes the next write of this kind fail with a text of its own.
 void refuse(const QString &kind, const QString &tableName)
 {
-    run(u"CREATE TEMP TRIGGER refuse BEFORE %1 ON %2 BEGIN SELECT RAISE(ABORT, 'abgelehnt'); END"_s.arg(kind, tableName));
+    run(u"CREATE TEMP TRIGGER refuse BEFORE %1 ON %2 BEGIN SELECT RAISE(ABORT, 'abgelehnt'); END"_s.arg(
+        kind, tableName));
 }
 
 /// Expects an information box with this title and the driver's text.
@@ -190,6 +191,9 @@ private Q_SLOTS:
     void storedEntryIsShown();
     void openingAndClosingRewritesNothing_data();
     void openingAndClosingRewritesNothing();
+    void editElsewhereKeepsTheComment_data();
+    void editElsewhereKeepsTheComment();
+    void editOfTheCommentKeepsItsNoBreakSpaces();
     void editEnablesSavingUntilTakenBack_data();
     void editEnablesSavingUntilTakenBack();
     void editIsSaved();
@@ -533,6 +537,8 @@ void TestLocseenForm::commentIsStoredOnOneLine_data()
     QTest::newRow("lines from Windows") << u"eins\r\nzwei"_s << u"eins zwei"_s;
     QTest::newRow("line separator") << u"eins\u2028zwei"_s << u"eins zwei"_s;
     QTest::newRow("form feed") << u"eins\fzwei"_s << u"eins zwei"_s;
+    QTest::newRow("no-break space") << u"80\u00A0km\u00A0"_s << u"80\u00A0km\u00A0"_s;
+    QTest::newRow("signs for a frame's ends") << u"eins\uFDD0zwei\uFDD1drei"_s << u"eins zwei drei"_s;
 }
 
 void TestLocseenForm::commentIsStoredOnOneLine()
@@ -683,6 +689,7 @@ void TestLocseenForm::openingAndClosingRewritesNothing_data()
     QTest::newRow("control characters") << u"ort = 'a' || char(10, 9, 1) || 'b', kommentar = char(1, 160, 12)"_s;
     QTest::newRow("too long") << u"nummer = printf('%.60c', 'x'), kommentar = printf('%.40000c', 'x')"_s;
     QTest::newRow("longer than a field") << u"ort = printf('%.40000c', 'x')"_s;
+    QTest::newRow("signs of the text control's own") << u"kommentar = 'a' || char(160, 64976, 64977, 8232, 8233)"_s;
     QTest::newRow("empty comment") << u"kommentar = ''"_s;
     QTest::newRow("class that is gone") << u"locseenid = 4711"_s;
     QTest::newRow("number as a number") << u"nummer = 7, ort = 8.5, kommentar = x'414243'"_s;
@@ -704,6 +711,50 @@ void TestLocseenForm::openingAndClosingRewritesNothing()
     press(form, u"closeButton"_s);
     QCOMPARE(writes(), before);
     QVERIFY(!form.hasChanged());
+}
+
+void TestLocseenForm::editElsewhereKeepsTheComment_data()
+{
+    QTest::addColumn<QString>("stored");
+    QTest::newRow("no-break space") << u"80\u00A0km\u00A0"_s;
+    QTest::newRow("line separator") << u"eins\u2028zwei"_s;
+    QTest::newRow("paragraph separator") << u"eins\u2029zwei"_s;
+    QTest::newRow("line feed") << u"eins\nzwei\n"_s;
+    QTest::newRow("sign for a frame's start") << u"eins\uFDD0zwei"_s;
+    QTest::newRow("sign for a frame's end") << u"eins\uFDD1zwei"_s;
+}
+
+void TestLocseenForm::editElsewhereKeepsTheComment()
+{
+    QFETCH(QString, stored);
+    LocseenForm form(m_catalogue->addEntry(u"11109"_s, m_model, u"Bern"_s, { 1998, 7, 6 }, stored), 0);
+    show(form);
+    replaceText(place(form), u"Thun"_s);
+    press(form, u"saveButton"_s);
+    seenDate(form)->setDate({ 2010, 10, 11 });
+    press(form, u"closeButton"_s);
+    QCOMPARE(column(u"ort"_s), u"Thun"_s);
+    QCOMPARE(column(u"locseendate"_s), u"2010-10-11"_s);
+    QCOMPARE(column(u"kommentar"_s), stored);
+}
+
+void TestLocseenForm::editOfTheCommentKeepsItsNoBreakSpaces()
+{
+    LocseenForm form(m_catalogue->addEntry(u"11109"_s, m_model, u"Bern"_s, {}, u"80\u00A0km/h bei 5\u00A0%"_s), 0);
+    show(form);
+    comment(form)->setFocus();
+    QTest::keyClick(comment(form), Qt::Key_End, Qt::ControlModifier);
+    QTest::keyClicks(comment(form), u"!"_s);
+    press(form, u"saveButton"_s);
+    QCOMPARE(column(u"kommentar"_s), u"80\u00A0km/h bei 5\u00A0%!"_s);
+    QTest::keyClick(comment(form), Qt::Key_Home, Qt::ControlModifier);
+    for (int i = 0; i < 3; ++i) {
+        QTest::keyClick(comment(form), Qt::Key_Delete);
+    }
+    paste(comment(form), u"80 "_s); // a blank in place of the other is an edit
+    QVERIFY(canSave(form));
+    press(form, u"closeButton"_s);
+    QCOMPARE(column(u"kommentar"_s), u"80 km/h bei 5\u00A0%!"_s);
 }
 
 void TestLocseenForm::editEnablesSavingUntilTakenBack_data()
