@@ -218,7 +218,7 @@ void LocGroupForm::dropUnusedPicture()
 void LocGroupForm::dropPicture(int pictureId, const QString &path)
 {
     if (!mayBelongToGroup(path)) {
-        LocPictureForm::deletePicture(pictureId, false, this);
+        LocPictureForm::deletePicture(pictureId, false, this); // which tells the user when it fails
     }
 }
 

@@ -24,15 +24,6 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-bool groupExists(int groupId)
-{
-    QList<QSqlRecord> rows;
-    if (groupId != 0) { // 0 would list all groups
-        CatalogQuery::instance().groups(rows, groupId);
-    }
-    return !rows.isEmpty();
-}
-
 void warnOfEntries()
 {
     MessageBox::warning(nullptr, LocModelForm::tr("Daten vorhanden"),
@@ -47,7 +38,8 @@ LocModelForm::LocModelForm(int groupId, QWidget *parent)
 {
     buildWidgets();
     connectWidgets();
-    if (!groupExists(groupId)) {
+    const NeededRow group = neededGroup();
+    if (reasonAgainst(group) == group.missingText) { // when it cannot be found out now, saving asks once more
         refuseNewModels();
     }
 }
@@ -59,10 +51,8 @@ void LocModelForm::checktextEdits()
 
 void LocModelForm::addModel()
 {
-    const NeededRow group { u"SELECT COUNT(*) FROM locomotive WHERE id = %1"_s.arg(m_groupId),
-        tr("Die Gruppe ist nicht mehr vorhanden, sie wurde inzwischen gelöscht.") };
     const WriteOutcome outcome = executeWrite(u"INSERT INTO loc_model (modelname, locid) VALUES (:modnam, :locid) "_s,
-        { { u":modnam"_s, cutText(m_nameEdit->text(), TextLimit::Name) }, { u":locid"_s, m_groupId } }, group);
+        { { u":modnam"_s, cutText(m_nameEdit->text(), TextLimit::Name) }, { u":locid"_s, m_groupId } }, neededGroup());
     if (outcome.done) {
         m_modelList->refresh();
         m_modelList->showRow(outcome.newId);
@@ -177,6 +167,12 @@ void LocModelForm::connectWidgets()
     connect(m_modelList, &RowList::rowChosen, this, &LocModelForm::getTableViewIndex);
     connect(m_moveButton, &QPushButton::clicked, this, &LocModelForm::moveModel);
     connect(m_deleteButton, &QPushButton::clicked, this, &LocModelForm::deleteModel);
+}
+
+NeededRow LocModelForm::neededGroup() const
+{
+    return { u"SELECT COUNT(*) FROM locomotive WHERE id = %1"_s.arg(m_groupId),
+        tr("Die Gruppe ist nicht mehr vorhanden, sie wurde inzwischen gelöscht.") };
 }
 
 void LocModelForm::refuseNewModels()

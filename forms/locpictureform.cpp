@@ -4,6 +4,7 @@
 #include "forms/formparts.h"
 #include "forms/picturechooser.h"
 #include "forms/picturepreview.h"
+#include "search/folderlister.h"
 #include "search/messagebox.h"
 #include "store/colorsetting.h"
 #include "store/copyfile.h"
@@ -46,12 +47,13 @@ LocPictureForm::LocPictureForm(int entryId, int pictureId, QWidget *parent)
     if (pictureId < 1) {
         return;
     }
-    if (const std::optional<StoredPicture> stored = readPicture(pictureId)) {
-        m_picture = *stored;
-        m_storedPicture = *stored;
+    const PictureReading stored = readPicture(pictureId);
+    if (stored.picture) {
+        m_picture = *stored.picture;
+        m_storedPicture = m_picture;
         showPaths();
         m_preview->showFile(m_picture.copyPath);
-    } else {
+    } else if (stored.errorText.isEmpty()) {
         m_pictureId = -1; // it has vanished: what is chosen now is a new picture
     }
 }
@@ -75,16 +77,14 @@ void LocPictureForm::clearInputs()
     m_saveButton->setEnabled(false);
 }
 
-void LocPictureForm::deletePicture(int pictureId, bool keepCopy, QWidget *parent)
+bool LocPictureForm::deletePicture(int pictureId, bool keepCopy, QWidget *parent)
 {
-    const std::optional<StoredPicture> stored = readPicture(pictureId);
-    if (!stored) {
-        return;
-    }
-    const QString errorText = removePicture(pictureId, *stored, keepCopy);
+    const PictureReading stored = readPicture(pictureId);
+    const QString errorText = stored.picture ? removePicture(pictureId, *stored.picture, keepCopy) : stored.errorText;
     if (!errorText.isEmpty()) {
         MessageBox::information(parent, tr("DB-Delete"), errorText);
     }
+    return errorText.isEmpty();
 }
 
 void LocPictureForm::browsePictures()
@@ -207,7 +207,7 @@ QString LocPictureForm::copyFolder() const
             return store.makeFolder(1); // there is no numbered folder at all
         }
     }
-    QDir(u"./Data/Pictures"_s).mkdir(folder);
+    makeFolder(u"./Data/Pictures"_s, folder);
     return folder;
 }
 
@@ -276,8 +276,9 @@ void LocPictureForm::settle()
 /// A cancelled group picture must not stay behind: no group refers to it.
 void LocPictureForm::takeBack()
 {
-    deletePicture(m_pictureId, false, this);
-    m_pictureId = -1;
-    m_saved = false;
-    m_chosen = false;
+    if (deletePicture(m_pictureId, false, this)) {
+        m_pictureId = -1;
+        m_saved = false;
+        m_chosen = false;
+    }
 }

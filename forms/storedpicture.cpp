@@ -9,6 +9,7 @@
 #include <QColorSpace>
 #include <QCoreApplication>
 #include <QPainter>
+#include <QSqlError>
 #include <QSqlQuery>
 
 using namespace Qt::StringLiterals;
@@ -16,6 +17,11 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr QSize LargestCopy(750, 500); // pixels
+
+QString vanishedPictureText()
+{
+    return QCoreApplication::translate("StoredPicture", "Das Bild ist nicht mehr vorhanden.");
+}
 
 QList<BoundValue> boundValues(const StoredPicture &picture)
 {
@@ -49,15 +55,34 @@ PictureOutcome outcomeOfFailedCommit(const QString &errorText, int newId, const 
     return { PictureOutcome::StatementFailed, errorText, 0 };
 }
 
+/// What a picture hangs under; a group's picture needs nothing.
+std::optional<NeededRow> neededEntry(int entryId)
+{
+    if (entryId == -1) {
+        return {};
+    }
+    return NeededRow { u"SELECT COUNT(*) FROM loc_seen WHERE id = %1"_s.arg(entryId),
+        QCoreApplication::translate(
+            "StoredPicture", "Der Eintrag ist nicht mehr vorhanden, er wurde inzwischen gelöscht.") };
+}
+
+/// The row alone, inside a transaction. A second window may have deleted what it changes or hangs under.
+WriteOutcome writeRow(const QString &statement, const QList<BoundValue> &values, const std::optional<NeededRow> &needed)
+{
+    const QString reason = needed ? reasonAgainst(*needed) : QString();
+    WriteOutcome row = reason.isEmpty() ? runWrite(statement, values) : WriteOutcome { false, reason };
+    return row.done && row.rows < 1 ? WriteOutcome { false, vanishedPictureText() } : row;
+}
+
 /// The file is written before the row is committed, so that a crash in between leaves no row without its file.
-PictureOutcome store(
-    const QString &statement, const QList<BoundValue> &values, const StoredPicture &picture, const QImage &copy)
+PictureOutcome store(const QString &statement, const QList<BoundValue> &values, const StoredPicture &picture,
+    const QImage &copy, const std::optional<NeededRow> &needed = {})
 {
     Transaction transaction;
     if (!transaction.isOpen()) {
         return { PictureOutcome::StatementFailed, transaction.errorText(), 0 };
     }
-    const WriteOutcome row = runWrite(statement, values);
+    const WriteOutcome row = writeRow(statement, values, needed);
     if (!row.done) {
         return { PictureOutcome::StatementFailed, row.errorText, 0 };
     }
@@ -93,15 +118,16 @@ QImage reducedPicture(const QString &path)
     return copy;
 }
 
-std::optional<StoredPicture> readPicture(int id)
+PictureReading readPicture(int id)
 {
     QSqlQuery query;
     if (!query.exec(u"SELECT * FROM loc_picture WHERE id = %1"_s.arg(id)) || !query.next()) {
-        return {};
+        return { {}, query.lastError().text() };
     }
     const QSqlRecord row = query.record();
-    return StoredPicture { rowText(row, u"pictAuxPath"_s), rowText(row, u"pictOrigPath"_s), rowId(row, u"pictHeight"_s),
-        rowId(row, u"pictWidth"_s), rowId(row, u"locpictureid"_s) };
+    return { StoredPicture { rowText(row, u"pictAuxPath"_s), rowText(row, u"pictOrigPath"_s),
+                 rowId(row, u"pictHeight"_s), rowId(row, u"pictWidth"_s), rowId(row, u"locpictureid"_s) },
+        {} };
 }
 
 PictureOutcome insertPicture(const StoredPicture &picture, const QImage &copy)
@@ -110,7 +136,7 @@ PictureOutcome insertPicture(const StoredPicture &picture, const QImage &copy)
     values.append({ u":lpi"_s, picture.entryId });
     return store(u"INSERT INTO loc_picture (pictAuxPath, pictOrigPath, pictHeight, pictWidth, locpictureid) "
                  "VALUES (:pap, :pop, :phe, :pwi, :lpi)"_s,
-        values, picture, copy);
+        values, picture, copy, neededEntry(picture.entryId));
 }
 
 PictureOutcome updatePicture(int id, const StoredPicture &picture, const QImage &copy)
@@ -127,16 +153,15 @@ bool mayBelongToGroup(const QString &copyPath)
 
 QString removePicture(int id, const StoredPicture &picture, bool keepCopy)
 {
-    QString missing = QCoreApplication::translate("StoredPicture", "Das Bild ist nicht mehr vorhanden.");
     if (id < 1) {
-        return missing; // an id that cannot be read: no row that the program has made is meant by it
+        return vanishedPictureText(); // an id that cannot be read: no row that the program has made is meant by it
     }
     const WriteOutcome outcome = executeWrite(u"DELETE FROM loc_picture WHERE id = %1"_s.arg(id));
     if (!outcome.done) {
         return outcome.errorText;
     }
     if (outcome.rows < 1) {
-        return missing; // and whatever row has the copy still needs it
+        return vanishedPictureText(); // and whatever row has the copy still needs it
     }
     if (!keepCopy) {
         removeCopy(picture.copyPath, picture.originalPath);

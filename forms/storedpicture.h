@@ -28,8 +28,14 @@ struct PictureOutcome
 /// Null when the file is no readable picture.
 [[nodiscard]] QImage reducedPicture(const QString &path);
 
-/// The row with this id, or none.
-[[nodiscard]] std::optional<StoredPicture> readPicture(int id);
+/// What is known of a row.
+struct PictureReading
+{
+    std::optional<StoredPicture> picture; // none when there is no such row, or it could not be read
+    QString errorText; // the driver's, when it could not be read
+};
+
+[[nodiscard]] PictureReading readPicture(int id);
 
 /// Adds the row and writes `copy` to its path: both or neither.
 [[nodiscard]] PictureOutcome insertPicture(const StoredPicture &picture, const QImage &copy);

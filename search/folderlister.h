@@ -2,6 +2,13 @@
 
 #include <QStringList>
 
+/// Puts what the folder's names stand for on the disk; false when that failed or there is no such folder.
+[[nodiscard]] bool syncFolder(const QString &path);
+
+/// Makes the folder `name` below `parentPath` if it is missing, and puts it on the disk. One that cannot be made is not
+/// reported here; whoever writes into it will notice.
+void makeFolder(const QString &parentPath, const QString &name);
+
 /// Knows the subfolders that a path had when the lister was built, and makes missing ones.
 /// The list is never refreshed: build a fresh lister for each level of folders.
 class FolderLister final

@@ -1,5 +1,7 @@
 #include "search/picturestore.h"
 
+#include "search/folderlister.h"
+
 #include <QDir>
 #include <QFile>
 
@@ -77,7 +79,7 @@ void PictureStore::noteStored(bool saved)
 QString PictureStore::makeFolder(int number) const
 {
     QString name = folderName(number);
-    QDir(StoreRoot).mkdir(name);
+    ::makeFolder(StoreRoot, name);
     return name;
 }
 

@@ -1,6 +1,7 @@
 #include "store/copyfile.h"
 
 #include "search/clock.h"
+#include "search/folderlister.h"
 
 #include <QBuffer>
 #include <QDebug>
@@ -18,7 +19,6 @@
 #include <algorithm>
 #include <limits>
 
-#include <fcntl.h>
 #include <unistd.h>
 
 using namespace Qt::StringLiterals;
@@ -37,18 +37,6 @@ bool isInsideStore(const QString &path)
     const QFileInfo folder(QFileInfo(path).absolutePath());
     const QString realFolder = folder.canonicalFilePath();
     return !root.isEmpty() && QFileInfo(realFolder).path() == root;
-}
-
-/// A new name is on the disk only when its folder is.
-bool syncFolderOf(const QString &path)
-{
-    const int folder = ::open(QFile::encodeName(QFileInfo(path).path()).constData(), O_RDONLY | O_CLOEXEC);
-    if (folder < 0) {
-        return false;
-    }
-    const bool isSynced = fsync(folder) == 0;
-    ::close(folder);
-    return isSynced;
 }
 
 void tellKept(const QString &path)
@@ -162,7 +150,7 @@ bool writeCopy(const QImage &picture, const QString &path)
     const bool isWritten = file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() && file.flush()
         && fsync(file.handle()) == 0 // commit() would not tell
         && file.commit();
-    if (isWritten && !syncFolderOf(path)) {
+    if (isWritten && !syncFolder(QFileInfo(path).path())) { // a new name is on the disk only when its folder is
         QFile::remove(path);
         return false;
     }

@@ -3,8 +3,11 @@
 #include "store/rowvalue.h"
 #include "store/transaction.h"
 
+#include <QCoreApplication>
 #include <QSqlError>
 #include <QSqlQuery>
+
+using namespace Qt::StringLiterals;
 
 namespace {
 
@@ -17,22 +20,12 @@ QVariant storable(const QVariant &value)
     }
     QString text = value.toString();
     if (!text.isValidUtf16()) {
-        text = QString::fromUtf8('x' + text.toUtf8()).sliced(1); // a mark at the very start would be dropped
+        text = QString::fromStdU32String(U'x' + text.toStdU32String()).sliced(1); // a mark at the start would go
     }
     if (text.startsWith(QChar(QChar::ByteOrderSwapped))) {
         text[0] = QChar::ReplacementCharacter;
     }
     return text;
-}
-
-/// Why nothing can be written under the row: it is gone, or that cannot be found out. Empty when it is there.
-QString reasonAgainst(const NeededRow &needed)
-{
-    QSqlQuery count;
-    if (!count.exec(needed.countStatement) || !count.next()) {
-        return count.lastError().text();
-    }
-    return count.value(0).toLongLong() == 0 ? needed.missingText : QString();
 }
 
 } // namespace
@@ -49,7 +42,21 @@ WriteOutcome runWrite(const QString &statement, const QList<BoundValue> &values)
     if (!query.exec()) {
         return { false, query.lastError().text() };
     }
-    return { true, {}, rowId(query.lastInsertId()), query.numRowsAffected() };
+    const int newId = rowId(query.lastInsertId());
+    if (newId < 1 && statement.startsWith(u"INSERT"_s)) { // a row with it could never be found again
+        return { false,
+            QCoreApplication::translate("Statement", "Die Datenbank vergibt keine lesbaren Nummern mehr.") };
+    }
+    return { true, {}, newId, query.numRowsAffected() };
+}
+
+QString reasonAgainst(const NeededRow &needed)
+{
+    QSqlQuery count;
+    if (!count.exec(needed.countStatement) || !count.next()) {
+        return count.lastError().text();
+    }
+    return count.value(0).toLongLong() == 0 ? needed.missingText : QString();
 }
 
 WriteOutcome executeWrite(

@@ -21,7 +21,8 @@ struct WriteOutcome
     int rows = 0; // that the statement changed
 };
 
-/// Prepares, binds and executes one statement without a transaction of its own.
+/// Prepares, binds and executes one statement without a transaction of its own. An INSERT whose id does not fit 32 bits
+/// has failed, and whoever has begun the transaction must not commit it.
 [[nodiscard]] WriteOutcome runWrite(const QString &statement, const QList<BoundValue> &values = {});
 
 /// A row that must be there for a write to make sense: what hangs under a deleted row, nobody would ever see again.
@@ -31,7 +32,11 @@ struct NeededRow
     QString missingText; // tells the user so
 };
 
-/// The same in a transaction that ends with the statement. Where a row is needed and gone, nothing is written and the
+/// Why nothing can be written under the row: its own text when it is gone, the driver's when that cannot be found out.
+/// Empty when the row is there. To be asked inside the transaction that writes.
+[[nodiscard]] QString reasonAgainst(const NeededRow &needed);
+
+/// runWrite() in a transaction that ends with the statement. Where a row is needed and gone, nothing is written and the
 /// error text is that of the row.
 [[nodiscard]] WriteOutcome executeWrite(
     const QString &statement, const QList<BoundValue> &values = {}, const std::optional<NeededRow> &needed = {});

@@ -1,5 +1,6 @@
 #include "forms/locmodelform.h"
 #include "store/catalogquery.h"
+#include "store/database.h"
 #include "tests/support/modalscript.h"
 #include "tests/support/testcatalogue.h"
 #include "tests/support/testmain.h"
@@ -10,6 +11,7 @@
 #include <QLineEdit>
 #include <QMetaMethod>
 #include <QPushButton>
+#include <QSqlDatabase>
 #include <QSqlQuery>
 #include <QSqlTableModel>
 #include <QTableView>
@@ -99,6 +101,7 @@ private Q_SLOTS:
     void missingGroupTakesNoClasses_data();
     void missingGroupTakesNoClasses();
 
+    void lockedGroupIsNotTakenForAMissingOne();
     void classOfAGroupDeletedMeanwhileIsTold();
     void movedClassLeavesTheList();
     void movingWithoutARowDoesNothing();
@@ -129,8 +132,8 @@ void TestLocModelForm::init()
 /// Makes the database refuse a kind of write, for example "INSERT ON loc_model".
 void TestLocModelForm::refuse(const QString &what)
 {
-    QVERIFY(
-        QSqlQuery().exec(u"CREATE TEMP TRIGGER refuse BEFORE %1 BEGIN SELECT RAISE(ABORT, 'verweigert'); END"_s.arg(what)));
+    QVERIFY(QSqlQuery().exec(
+        u"CREATE TEMP TRIGGER refuse BEFORE %1 BEGIN SELECT RAISE(ABORT, 'verweigert'); END"_s.arg(what)));
 }
 
 void TestLocModelForm::slotsKeepTheirOrder()
@@ -326,6 +329,23 @@ void TestLocModelForm::missingGroupTakesNoClasses()
     QVERIFY(!nameEdit(form)->isEnabled());
     QVERIFY(!isEnabled(form, u"Speichern"_s));
     QVERIFY(isEnabled(form, u"Schliessen"_s));
+}
+
+void TestLocModelForm::lockedGroupIsNotTakenForAMissingOne()
+{
+    std::unique_ptr<LocModelForm> form;
+    {
+        QSqlDatabase other = QSqlDatabase::addDatabase(u"QSQLITE"_s, u"other"_s);
+        other.setDatabaseName(databasePath());
+        QVERIFY(other.open() && QSqlQuery(other).exec(u"BEGIN EXCLUSIVE"_s));
+        form = std::make_unique<LocModelForm>(m_group);
+    }
+    QSqlDatabase::removeDatabase(u"other"_s);
+    form->show();
+    QVERIFY(nameEdit(*form)->isEnabled());
+    QTest::keyClicks(nameEdit(*form), u"Ce 6/8 II"_s);
+    press(*form, u"Speichern"_s);
+    QCOMPARE(m_catalogue->value(u"SELECT COUNT(*) FROM loc_model"_s).toInt(), 1);
 }
 
 void TestLocModelForm::classOfAGroupDeletedMeanwhileIsTold()

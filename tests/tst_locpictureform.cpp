@@ -31,7 +31,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr int Entry = 7;
+constexpr int Entry = 1; // the only one
 
 QPushButton *button(const QWidget &form, const QString &name)
 {
@@ -153,9 +153,11 @@ private Q_SLOTS:
 
     void groupPictureGoesIntoItsFolder();
     void cancelledGroupPictureLeavesNothing();
+    void cancelledGroupPictureOfALockedCatalogueIsTold();
     void cancelledPictureOfAnEntryStays();
 
     void failedInsertLeavesTheFolderUnchanged();
+    void entryDeletedMeanwhileIsTold();
     void lockedDatabaseIsToldAndCanBeTriedAgain();
     void failedCommitLeavesNeitherRowNorFile();
     void failedWriteLeavesNeitherRowNorFile();
@@ -192,6 +194,7 @@ private:
 void TestLocPictureForm::init()
 {
     m_catalogue = std::make_unique<TestCatalogue>();
+    QCOMPARE(m_catalogue->addEntry(u"14253"_s, m_catalogue->addModel(u"Ce 6/8 II"_s, 1)), Entry);
     m_source = m_catalogue->path(u"Quelle.jpg"_s);
     writeTestJpeg(m_source, { 300, 200 });
 }
@@ -641,6 +644,25 @@ void TestLocPictureForm::cancelledGroupPictureLeavesNothing()
     QVERIFY(QFile::exists(m_source));
 }
 
+void TestLocPictureForm::cancelledGroupPictureOfALockedCatalogueIsTold()
+{
+    LocPictureForm form(-1, -1);
+    form.setTargetFolder(u"AuxFolder"_s);
+    choose(form);
+    press(form, u"saveButton"_s);
+    {
+        const OtherProgram writer(u"BEGIN EXCLUSIVE"_s);
+        QVERIFY(writer.works());
+        ModalScript script;
+        script.anyBox(u"DB-Delete"_s);
+        form.reject();
+        QCOMPARE(script.problems(), QStringList());
+    }
+    QVERIFY(form.isSaved());
+    QCOMPARE(rows(), 1);
+    QCOMPARE(copies().size(), 1);
+}
+
 void TestLocPictureForm::cancelledPictureOfAnEntryStays()
 {
     LocPictureForm form(Entry, -1);
@@ -669,6 +691,20 @@ void TestLocPictureForm::failedInsertLeavesTheFolderUnchanged()
     QVERIFY(!form.isSaved());
     QCOMPARE(copies(), QStringList());
     QCOMPARE(ColorSetting::instance().pictureStore().countdown(), 10);
+}
+
+void TestLocPictureForm::entryDeletedMeanwhileIsTold()
+{
+    LocPictureForm form(Entry, -1);
+    choose(form);
+    run(u"DELETE FROM loc_seen"_s);
+    ModalScript script;
+    script.box(u"DB-Insert"_s, u"Der Eintrag ist nicht mehr vorhanden, er wurde inzwischen gelöscht."_s);
+    press(form, u"saveButton"_s);
+    QCOMPARE(script.problems(), QStringList());
+    QVERIFY(!form.isSaved());
+    QCOMPARE(rows(), 0);
+    QCOMPARE(copies(), QStringList());
 }
 
 void TestLocPictureForm::lockedDatabaseIsToldAndCanBeTriedAgain()

@@ -24,6 +24,11 @@ private Q_SLOTS:
     void copyStaysWhereTheRowIsGone();
     void unreadableIdMeansNoRow();
     void copyThatIsTheNewSourceStays();
+    void pictureOfAVanishedEntryIsNotStored();
+    void pictureOfAnEntryThatWasNeverStoredIsNotStored();
+    void pictureWithoutAReadableIdIsNotStored();
+    void pictureOfAGroupNeedsNoEntry();
+    void vanishedPictureIsNotReplaced();
 
 private:
     [[nodiscard]] QString remove() const { return removePicture(m_id, m_picture, false); }
@@ -38,6 +43,13 @@ private:
 namespace {
 
 const QString Missing = u"Das Bild ist nicht mehr vorhanden."_s;
+const QString NewPath = u"./Data/Pictures/Folder001/2024511200.jpg"_s;
+const QImage Copy(30, 20, QImage::Format_RGB32);
+
+StoredPicture newPicture(int entryId)
+{
+    return { NewPath, u"/home/anna/Bilder/1.jpg"_s, 20, 30, entryId };
+}
 
 } // namespace
 
@@ -45,7 +57,7 @@ void TestStoredPicture::init()
 {
     m_catalogue = std::make_unique<TestCatalogue>();
     m_id = m_catalogue->addPicture(1);
-    const std::optional<StoredPicture> stored = readPicture(m_id);
+    const std::optional<StoredPicture> stored = readPicture(m_id).picture;
     QVERIFY(stored.has_value());
     m_picture = *stored;
     QVERIFY(hasCopy());
@@ -87,7 +99,7 @@ void TestStoredPicture::unreadableIdMeansNoRow()
 void TestStoredPicture::copyThatIsTheNewSourceStays()
 {
     const int other = m_catalogue->addPicture(1);
-    std::optional<StoredPicture> changed = readPicture(other);
+    std::optional<StoredPicture> changed = readPicture(other).picture;
     QVERIFY(changed.has_value());
     changed->originalPath = m_catalogue->path(m_picture.copyPath);
     QCOMPARE(updatePicture(other, *changed, QImage()).result, PictureOutcome::Stored);
@@ -95,6 +107,50 @@ void TestStoredPicture::copyThatIsTheNewSourceStays()
     QCOMPARE(remove(), QString());
     QCOMPARE(rows(), 1);
     QVERIFY(hasCopy());
+}
+
+/// Its entry was deleted in a second window while the picture was chosen.
+void TestStoredPicture::pictureOfAVanishedEntryIsNotStored()
+{
+    const PictureOutcome outcome = insertPicture(newPicture(4711), Copy);
+    QCOMPARE(outcome.result, PictureOutcome::StatementFailed);
+    QCOMPARE(outcome.errorText, u"Der Eintrag ist nicht mehr vorhanden, er wurde inzwischen gelöscht."_s);
+    QCOMPARE(rows(), 1);
+    QVERIFY(!QFile::exists(NewPath));
+}
+
+void TestStoredPicture::pictureOfAnEntryThatWasNeverStoredIsNotStored()
+{
+    QCOMPARE(insertPicture(newPicture(0), Copy).result, PictureOutcome::StatementFailed);
+    QCOMPARE(rows(), 1);
+    QVERIFY(!QFile::exists(NewPath));
+}
+
+/// A row with an id beyond 32 bits makes all further ids as large.
+void TestStoredPicture::pictureWithoutAReadableIdIsNotStored()
+{
+    QVERIFY(executeWrite(u"UPDATE loc_picture SET id = 4294967297"_s).done);
+    const PictureOutcome outcome = insertPicture(newPicture(-1), Copy);
+    QCOMPARE(outcome.result, PictureOutcome::StatementFailed);
+    QCOMPARE(outcome.errorText, u"Die Datenbank vergibt keine lesbaren Nummern mehr."_s);
+    QCOMPARE(rows(), 1);
+    QVERIFY(!QFile::exists(NewPath));
+}
+
+void TestStoredPicture::pictureOfAGroupNeedsNoEntry()
+{
+    QCOMPARE(insertPicture(newPicture(-1), Copy).result, PictureOutcome::Stored);
+    QCOMPARE(rows(), 2);
+    QVERIFY(QFile::exists(NewPath));
+}
+
+void TestStoredPicture::vanishedPictureIsNotReplaced()
+{
+    QVERIFY(executeWrite(u"DELETE FROM loc_picture"_s).done);
+    const PictureOutcome outcome = updatePicture(m_id, newPicture(1), Copy);
+    QCOMPARE(outcome.result, PictureOutcome::StatementFailed);
+    QCOMPARE(outcome.errorText, Missing);
+    QVERIFY(!QFile::exists(NewPath));
 }
 
 BAHNITO_TEST_MAIN(TestStoredPicture)
