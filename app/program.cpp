@@ -13,6 +13,7 @@ using namespace Qt::StringLiterals;
 int runProgram(QApplication &application)
 {
     Startup::setLibraryPaths();
+    Startup::keepNoSettings();
     Startup::speakGerman(application);
     Startup::dress();
     Startup::makeDataFolders();

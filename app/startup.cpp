@@ -9,6 +9,7 @@
 #include <QFile>
 #include <QFont>
 #include <QLocale>
+#include <QSettings>
 #include <QTranslator>
 
 using namespace Qt::StringLiterals;
@@ -30,6 +31,12 @@ void Startup::setLibraryPaths()
     const QString folder = QCoreApplication::applicationDirPath();
     QCoreApplication::setLibraryPaths({ folder });
     QCoreApplication::addLibraryPath(folder + u"/plugins"_s);
+}
+
+void Startup::keepNoSettings()
+{
+    QSettings::setPath(
+        QSettings::NativeFormat, QSettings::UserScope, u"/dev/null"_s); // no folder, so nothing gets there
 }
 
 void Startup::speakGerman(QApplication &application)

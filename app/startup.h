@@ -11,6 +11,9 @@ void registerResources();
 /// Lets Qt look for plug-ins only in the executable's folder and its "/plugins".
 void setLibraryPaths();
 
+/// Lets Qt write nothing about the user: its file dialog would keep the last folders in a file outside the catalogue.
+void keepNoSettings();
+
 /// German for Qt's own dialogs and buttons, German dates and numbers, and fonts in place of those that are missing.
 void speakGerman(QApplication &application);
 

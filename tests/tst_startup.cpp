@@ -8,6 +8,7 @@
 #include <QDir>
 #include <QDirIterator>
 #include <QFile>
+#include <QFileDialog>
 #include <QFontInfo>
 #include <QImageReader>
 #include <QImageWriter>
@@ -45,6 +46,7 @@ private Q_SLOTS:
     void pluginsAreFoundBesideTheProgram();
     void withoutPluginsNothingIsFound();
     void resourcesAreCompiledIn();
+    void fileDialogKeepsNothingOutsideTheCatalogue();
     void qtSpeaksGerman();
     void missingFontsHaveSubstitutes();
 
@@ -265,6 +267,22 @@ void TestStartup::resourcesAreCompiledIn()
     Startup::registerResources();
     QVERIFY(!QImage(u":/images/Lok.png"_s).isNull());
     QVERIFY(QFile::exists(u":/translations/qtbase_de.qm"_s));
+}
+
+void TestStartup::fileDialogKeepsNothingOutsideTheCatalogue()
+{
+    const QByteArray former = qgetenv("XDG_CONFIG_HOME");
+    const QString config = m_folder->filePath(u"config"_s);
+    qputenv("XDG_CONFIG_HOME", QFile::encodeName(config));
+    Startup::keepNoSettings();
+    {
+        QFileDialog dialog(nullptr, {}, m_folder->path());
+        dialog.setOption(QFileDialog::DontUseNativeDialog);
+        dialog.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&dialog));
+    }
+    qputenv("XDG_CONFIG_HOME", former);
+    QVERIFY(!QFile::exists(config));
 }
 
 void TestStartup::qtSpeaksGerman()
