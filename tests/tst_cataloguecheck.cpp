@@ -109,6 +109,13 @@ void TestCatalogueCheck::damageInARowIsFound_data()
         u"loc_seen 1: startdate \"2001-02-30\" ist kein Datum"_s);
     row("wrong size", u"UPDATE loc_picture SET pictWidth = 7 WHERE id = 2"_s,
         u"loc_picture 2: Größe in der Datenbank stimmt nicht mit \"./Data/Pictures/Folder001/copy1.jpg\" überein"_s);
+    const QString secondRow = u"INSERT INTO loc_picture SELECT 3, %1, '', pictHeight, pictWidth, locpictureid FROM "
+                              "loc_picture WHERE id = 2"_s;
+    row("copy of two pictures", secondRow.arg(u"pictAuxPath"_s),
+        u"loc_picture 3: \"./Data/Pictures/Folder001/copy1.jpg\" gehört auch zu loc_picture 2"_s);
+    row("copy of two pictures, spelled differently",
+        secondRow.arg(u"replace(pictAuxPath, '/Folder001/', '/./Folder001//')"_s),
+        u"loc_picture 3: \"./Data/Pictures/./Folder001//copy1.jpg\" gehört auch zu loc_picture 2"_s);
     row("row without a path", u"INSERT INTO loc_picture (locpictureid) VALUES (1)"_s, u"loc_picture 3: \"\" fehlt"_s);
     row("table gone", u"DROP TABLE loc_picture"_s,
         u"Anweisung \"SELECT id, pictAuxPath, pictHeight, pictWidth FROM loc_picture\": no such table: loc_picture"_s);

@@ -30,6 +30,7 @@ struct State
 
 State state;
 void (*journalHook)() = nullptr;
+FailingCalls::TouchHook touchHook = nullptr;
 
 bool isBelow(const char *path)
 {
@@ -107,13 +108,22 @@ std::size_t fitting(int fd, std::size_t size)
     return fits;
 }
 
-int openFile(int folder, const char *path, int flags, mode_t mode)
+/// For calls that change a folder or open a file for more than reading.
+bool touches(const char *name, const char *path)
 {
-    const bool writes = (flags & O_ACCMODE) != O_RDONLY || (flags & O_CREAT);
-    if (writes && fails("open", path)) {
+    if (touchHook) {
+        touchHook(name, path);
+    }
+    return fails(name, path);
+}
+
+int openFile(const char *path, int flags, mode_t mode)
+{
+    const bool writes = (flags & O_ACCMODE) != O_RDONLY || (flags & (O_CREAT | O_TRUNC));
+    if (writes && touches("open", path)) {
         return -1;
     }
-    return int(syscall(SYS_openat, folder, path, flags, mode));
+    return int(syscall(SYS_openat, AT_FDCWD, path, flags, mode));
 }
 
 mode_t modeOf(int flags, va_list list)
@@ -141,6 +151,11 @@ int FailingCalls::disarm()
 void FailingCalls::setJournalHook(void (*hook)())
 {
     journalHook = hook;
+}
+
+void FailingCalls::setTouchHook(TouchHook hook)
+{
+    touchHook = hook;
 }
 
 QByteArray FailingCalls::log()
@@ -196,17 +211,42 @@ int ftruncate(int fd, off_t size) noexcept
 
 int rename(const char *from, const char *to) noexcept
 {
-    return fails("rename", to) ? -1 : int(syscall(SYS_renameat, AT_FDCWD, from, AT_FDCWD, to));
+    return touches("rename", to) ? -1 : int(syscall(SYS_renameat, AT_FDCWD, from, AT_FDCWD, to));
+}
+
+int renameat2(int fromFolder, const char *from, int toFolder, const char *to, unsigned flags) noexcept
+{
+    return touches("rename", to) ? -1 : int(syscall(SYS_renameat2, fromFolder, from, toFolder, to, flags));
+}
+
+int link(const char *from, const char *to) noexcept
+{
+    return touches("link", to) ? -1 : int(syscall(SYS_linkat, AT_FDCWD, from, AT_FDCWD, to, 0));
 }
 
 int linkat(int fromFolder, const char *from, int toFolder, const char *to, int flags) noexcept
 {
-    return fails("link", to) ? -1 : int(syscall(SYS_linkat, fromFolder, from, toFolder, to, flags));
+    return touches("link", to) ? -1 : int(syscall(SYS_linkat, fromFolder, from, toFolder, to, flags));
+}
+
+int symlink(const char *target, const char *path) noexcept
+{
+    return touches("symlink", path) ? -1 : int(syscall(SYS_symlinkat, target, AT_FDCWD, path));
+}
+
+int mkdir(const char *path, mode_t mode) noexcept
+{
+    return touches("mkdir", path) ? -1 : int(syscall(SYS_mkdirat, AT_FDCWD, path, mode));
+}
+
+int rmdir(const char *path) noexcept
+{
+    return touches("rmdir", path) ? -1 : int(syscall(SYS_unlinkat, AT_FDCWD, path, AT_REMOVEDIR));
 }
 
 int unlink(const char *path) noexcept
 {
-    if (fails("unlink", path)) {
+    if (touches("unlink", path)) {
         return -1;
     }
     const auto result = int(syscall(SYS_unlinkat, AT_FDCWD, path, 0));
@@ -222,7 +262,7 @@ int open(const char *path, int flags, ...)
     va_start(list, flags);
     const mode_t mode = modeOf(flags, list);
     va_end(list);
-    return openFile(AT_FDCWD, path, flags, mode);
+    return openFile(path, flags, mode);
 }
 
 int open64(const char *path, int flags, ...)
@@ -231,7 +271,7 @@ int open64(const char *path, int flags, ...)
     va_start(list, flags);
     const mode_t mode = modeOf(flags, list);
     va_end(list);
-    return openFile(AT_FDCWD, path, flags, mode);
+    return openFile(path, flags, mode);
 }
 
 } // extern "C"

@@ -31,6 +31,13 @@ int disarm();
 /// Called after each removal of a rollback journal: that is the moment of a commit. Independent of arm().
 void setJournalHook(void (*hook)());
 
+/// `path` as it was given to the call `name`: "open" (for writing), "rename", "link", "symlink", "mkdir", "rmdir" or
+/// "unlink"; of two paths the new one.
+using TouchHook = void (*)(const char *name, const char *path);
+
+/// Called before each such call of the process, wherever its path points. Independent of arm().
+void setTouchHook(TouchHook hook);
+
 /// The calls counted since the last arm(), in order, as "name file".
 [[nodiscard]] QByteArray log();
 

@@ -42,7 +42,10 @@ QString rowLine(const QSqlQuery &query)
 QStringList rowLines(const QString &table, const QSqlDatabase &database)
 {
     QStringList lines;
-    QSqlQuery query(u"SELECT * FROM %1 ORDER BY id"_s.arg(table), database);
+    // The name of a copy says nothing, so a group's picture is known by its photograph.
+    const QString source = u", (SELECT pictOrigPath FROM loc_picture WHERE pictAuxPath = pictPath) AS source"_s;
+    QSqlQuery query(
+        u"SELECT *%2 FROM %1 ORDER BY id"_s.arg(table, table == u"locomotive"_s ? source : QString()), database);
     if (!query.isActive()) {
         lines.append(query.lastError().text());
     }
@@ -52,25 +55,75 @@ QStringList rowLines(const QString &table, const QSqlDatabase &database)
     return lines;
 }
 
-/// Each value as SQLite itself would write it into a statement, which tells a text from a number and from a blob.
+/// Each value by its type and its bytes, so that 14201 is not '14201' and nothing hides behind a NUL.
 QStringList exactLines(const QString &table, const QSqlDatabase &database)
 {
     QStringList columns;
     const QSqlRecord record = database.record(table);
     for (int i = 0; i < record.count(); ++i) {
-        columns.append(u"quote(%1)"_s.arg(record.fieldName(i)));
+        const QString name = record.fieldName(i);
+        if (table != u"settings"_s || name != u"value"_s) {
+            columns.append(u"typeof(%1)||':'||hex(CAST(%1 AS BLOB))"_s.arg(name));
+        }
     }
     QStringList lines;
-    QSqlQuery query(u"SELECT %1 FROM %2 ORDER BY id"_s.arg(columns.join(u"||'|'||"_s), table), database);
+    QSqlQuery query(u"SELECT %1 FROM %2 ORDER BY rowid"_s.arg(columns.join(u"||'|'||"_s), table), database);
     while (query.next()) {
         lines.append(u"  "_s + query.value(0).toString());
     }
     return lines;
 }
 
-using LinesOfTable = QStringList (*)(const QString &table, const QSqlDatabase &database);
+QStringList firstColumn(const QString &statement, const QSqlDatabase &database)
+{
+    QStringList values;
+    QSqlQuery query(statement, database);
+    while (query.next()) {
+        values.append(query.value(0).toString());
+    }
+    return values;
+}
 
-QString dump(const QString &folder, bool withSettings, LinesOfTable linesOf)
+const QString OwnTables = u"SELECT name FROM sqlite_master WHERE name NOT LIKE 'sqlite%' ORDER BY rowid"_s;
+
+QStringList allRows(const QSqlDatabase &database)
+{
+    QStringList lines;
+    const QStringList tables = firstColumn(OwnTables, database);
+    for (const QString &table : tables) {
+        lines.append(table);
+        lines += rowLines(table, database);
+    }
+    return lines;
+}
+
+QStringList rowsWithoutSettings(const QSqlDatabase &database)
+{
+    QStringList lines;
+    const QStringList tables = firstColumn(OwnTables, database);
+    for (const QString &table : tables) {
+        if (table != u"settings"_s) {
+            lines.append(table);
+            lines += rowLines(table, database);
+        }
+    }
+    return lines;
+}
+
+QStringList everythingButTheChoices(const QSqlDatabase &database)
+{
+    QStringList lines = firstColumn(u"PRAGMA user_version"_s, database)
+        + firstColumn(u"SELECT type||'|'||name||'|'||tbl_name||'|'||sql FROM sqlite_master ORDER BY rowid"_s, database);
+    const QStringList tables
+        = firstColumn(u"SELECT name FROM sqlite_master WHERE type = 'table' ORDER BY rowid"_s, database);
+    for (const QString &table : tables) {
+        lines.append(table);
+        lines += exactLines(table, database);
+    }
+    return lines;
+}
+
+QString dump(const QString &folder, QStringList (*read)(const QSqlDatabase &database))
 {
     const QString name = u"dump"_s;
     const QString file = folder + u"/Data/bahnakte.dat"_s;
@@ -81,17 +134,32 @@ QString dump(const QString &folder, bool withSettings, LinesOfTable linesOf)
         if (!database.open()) {
             qFatal("%s", qUtf8Printable(database.lastError().text()));
         }
-        QSqlQuery tables(u"SELECT name FROM sqlite_master WHERE name NOT LIKE 'sqlite%' ORDER BY rowid"_s, database);
-        while (tables.next()) {
-            const QString table = tables.value(0).toString();
-            if (withSettings || table != u"settings"_s) {
-                lines.append(table);
-                lines += linesOf(table, database);
-            }
-        }
+        lines = read(database);
     }
     QSqlDatabase::removeDatabase(name);
     return lines.join(u'\n');
+}
+
+/// Ids of the pictures of the entry with this number, as long as the entry itself has its row.
+QStringList picturesOfEntry(const QString &folder, const QString &number)
+{
+    const QString name = u"pictures of entry"_s;
+    QStringList ids;
+    {
+        QSqlDatabase database = QSqlDatabase::addDatabase(u"QSQLITE"_s, name);
+        database.setDatabaseName(folder + u"/Data/bahnakte.dat"_s);
+        database.open();
+        QSqlQuery query(database);
+        query.prepare(u"SELECT p.id FROM loc_picture AS p JOIN loc_seen AS s ON s.id = p.locpictureid "
+                      "WHERE s.nummer = :number"_s);
+        query.bindValue(u":number"_s, number);
+        query.exec();
+        while (query.next()) {
+            ids.append(query.value(0).toString());
+        }
+    }
+    QSqlDatabase::removeDatabase(name);
+    return ids;
 }
 
 } // namespace
@@ -125,23 +193,28 @@ void FaultFolder::copy(const QString &from, const QString &to)
 
 bool isLongRun()
 {
-    return qEnvironmentVariableIsSet("BAHNITO_TEST_LONG");
+    return !qEnvironmentVariableIsEmpty("BAHNITO_TEST_LONG");
 }
 
 QString catalogueDump(const QString &folder, bool withSettings)
 {
-    return dump(folder, withSettings, rowLines);
+    return dump(folder, withSettings ? allRows : rowsWithoutSettings);
 }
 
 QString exactDump(const QString &folder)
 {
-    return dump(folder, false, exactLines);
+    return dump(folder, everythingButTheChoices);
 }
 
-QStringList damages(const QString &folder)
+QStringList damages(const QString &folder, const QString &deleted)
 {
     QStringList findings = catalogueFindings(folder);
     findings.removeIf([](const QString &finding) { return finding.endsWith(u"gehört zu keiner Zeile"_s); });
+    for (const QString &picture : deleted.isEmpty() ? QStringList() : picturesOfEntry(folder, deleted)) {
+        findings.removeIf([&picture](const QString &finding) {
+            return finding.startsWith(u"loc_picture %1: "_s.arg(picture)) && finding.endsWith(u"fehlt"_s);
+        });
+    }
     return findings;
 }
 

@@ -39,16 +39,20 @@ private:
     return isLongRun() ? longCount : quick;
 }
 
-/// All rows of the catalogue in `folder`, a line each, with "<Kopie>" for the names of copies and pictures without id.
+/// All rows of the catalogue in `folder`, a line each, with "<Kopie>" for the names of copies, pictures without
+/// id, and groups with the photograph of their picture.
 /// Settings are left out unless `withSettings`. Reads through a connection of its own, which rolls back what a killed
 /// program has left.
 [[nodiscard]] QString catalogueDump(const QString &folder, bool withSettings = false);
 
-/// All rows but the settings with every value exactly as it is stored: 14201 is not '14201', and NULL not 'NULL'.
+/// The whole database but for the values of the settings: every row with every value exactly as it is stored, the
+/// counters of ids, the schema and its version.
 [[nodiscard]] QString exactDump(const QString &folder);
 
 /// The findings of the catalogue check that are damage. A file without a row is none: it costs room and nothing else.
-[[nodiscard]] QStringList damages(const QString &folder);
+/// Nor are missing copies of the entry with the number `deleted`, if that was about to be deleted: they go before its
+/// rows.
+[[nodiscard]] QStringList damages(const QString &folder, const QString &deleted = {});
 
 /// Digest over all names, sizes, times and contents below `folder`.
 [[nodiscard]] QByteArray folderDigest(const QString &folder);

@@ -67,6 +67,11 @@ void ForkedRun::report(const QString &line)
     }
 }
 
+void ForkedRun::reportStandardOutput()
+{
+    dup2(reportPipe, STDOUT_FILENO);
+}
+
 bool ForkedRun::waitForLine(int timeout)
 {
     const qsizetype before = m_output.size();

@@ -30,6 +30,9 @@ public:
     /// Called inside: hands a line to the test at once.
     static void report(const QString &line);
 
+    /// Called inside: from now on what goes to the standard output is handed over.
+    static void reportStandardOutput();
+
     /// False when the process ended before it reported anything more.
     bool waitForLine(int timeout);
     void kill();

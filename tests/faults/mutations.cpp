@@ -13,6 +13,10 @@ namespace {
 
 constexpr int PageSize = 4096;
 
+/// Most columns refuse NULL otherwise.
+const QString AllowNull = u"PRAGMA writable_schema = ON; UPDATE sqlite_master SET sql = replace(sql, ' NOT NULL', '') "
+                          "WHERE name = '%1'; PRAGMA writable_schema = RESET; "_s;
+
 QString pick(const QStringList &list, QRandomGenerator &random)
 {
     return list.at(random.bounded(list.size()));
@@ -33,14 +37,15 @@ QStringList pickColumn(QRandomGenerator &random)
 QString strangeValue(const QString &foreign, bool hugeTexts, QRandomGenerator &random)
 {
     QStringList values { u"4294967297"_s, u"-1"_s, u"9223372036854775807"_s, u"-9223372036854775808"_s, u"1e300"_s,
-        u"0"_s, u"x'00ff41'"_s, u"zeroblob(3000)"_s, u"''"_s, u"'gestern'"_s, u"'9999-99-99'"_s, u"'2001-02-30'"_s,
-        u"'0000-00-00'"_s, u"'<b>x</b><img src=\"file:///etc/passwd\">'"_s, u"'7''8'"_s, u"'7%2%1'"_s, u"'a&b\"c'"_s,
-        u"char(0)"_s, u"'a'||char(0)||'b'"_s, u"char(55296)"_s, u"char(128169)"_s, u"char(10)||char(9)||char(8233)"_s,
-        u"replace(hex(zeroblob(500)),'0','W')"_s, u"'../../'"_s, u"'..'"_s, u"'./Data/bahnakte.dat'"_s,
-        u"'./Data/Pictures/../notiz.txt'"_s, u"'./Data/Pictures/Folder001/../../notiz.txt'"_s,
-        u"'./Data/Pictures/Folder001/link.jpg'"_s, u"'./Data/Pictures/linked/foto.jpg'"_s,
-        u"'./Data/Pictures/Folder001'"_s, u"'./Data/Pictures/Folder001/142010.jpg'"_s, u"'file://%1'"_s.arg(foreign),
-        u"'%1'"_s.arg(foreign), u"'/dev/zero'"_s, u"'/proc/self/mem'"_s, u"'./Data/Pictures/Folder001/pipe.jpg'"_s };
+        u"0"_s, u"x'00ff41'"_s, u"zeroblob(3000)"_s, u"NULL"_s, u"NULL"_s, u"NULL"_s, u"''"_s, u"'gestern'"_s,
+        u"'9999-99-99'"_s, u"'2001-02-30'"_s, u"'0000-00-00'"_s, u"'<b>x</b><img src=\"file:///etc/passwd\">'"_s,
+        u"'7''8'"_s, u"'7%2%1'"_s, u"'a&b\"c'"_s, u"char(0)"_s, u"'a'||char(0)||'b'"_s, u"char(55296)"_s,
+        u"char(128169)"_s, u"char(10)||char(9)||char(8233)"_s, u"replace(hex(zeroblob(500)),'0','W')"_s, u"'../../'"_s,
+        u"'..'"_s, u"'./Data/bahnakte.dat'"_s, u"'./Data/Pictures/../notiz.txt'"_s,
+        u"'./Data/Pictures/Folder001/../../notiz.txt'"_s, u"'./Data/Pictures/Folder001/link.jpg'"_s,
+        u"'./Data/Pictures/linked/foto.jpg'"_s, u"'./Data/Pictures/Folder001'"_s,
+        u"'./Data/Pictures/Folder001/142010.jpg'"_s, u"'file://%1'"_s.arg(foreign), u"'%1'"_s.arg(foreign),
+        u"'/dev/zero'"_s, u"'/proc/self/mem'"_s, u"'./Data/Pictures/Folder001/pipe.jpg'"_s };
     if (hugeTexts) {
         values += { u"replace(hex(zeroblob(2500000)),'00','wort ')"_s, u"hex(zeroblob(5000000))"_s };
     }
@@ -55,10 +60,12 @@ QString strangeStatement(const QString &foreign, bool hugeTexts, QRandomGenerato
     if (kind < 70) {
         const QStringList column = pickColumn(random);
         const QString where = random.bounded(2) == 0 ? QString() : u" WHERE id = %1"_s.arg(random.bounded(1, 4));
-        return u"UPDATE %1 SET %2 = %3%4"_s.arg(
-            column.first(), column.last(), strangeValue(foreign, hugeTexts, random), where);
+        const QString value = strangeValue(foreign, hugeTexts, random);
+        return (value == u"NULL"_s ? AllowNull.arg(column.first()) : QString())
+            + u"UPDATE %1 SET %2 = %3%4"_s.arg(column.first(), column.last(), value, where);
     }
-    const QString id = pick({ u"4294967297"_s, u"-5"_s, u"0"_s, u"2147483648"_s, u"9223372036854775807"_s }, random);
+    const QString id
+        = pick({ u"4294967297"_s, u"-5"_s, u"-1"_s, u"0"_s, u"2147483648"_s, u"9223372036854775807"_s }, random);
     return pick(
         { u"UPDATE %1 SET id = %2 WHERE id = 1"_s.arg(table, id), u"DELETE FROM %1"_s.arg(table),
             u"DROP TABLE %1"_s.arg(table),
@@ -69,6 +76,10 @@ QString strangeStatement(const QString &foreign, bool hugeTexts, QRandomGenerato
             u"ALTER TABLE %1 RENAME TO hidden; CREATE VIEW %1 AS SELECT * FROM hidden"_s.arg(table),
             u"ALTER TABLE %1 RENAME TO hidden; CREATE VIEW %1 AS SELECT * FROM hidden UNION ALL SELECT * FROM "
             "hidden"_s.arg(table),
+            u"ALTER TABLE %1 RENAME TO hidden; CREATE VIEW %1 AS WITH RECURSIVE c(id) AS "
+            "(SELECT 1 UNION ALL SELECT id + 1 FROM c) SELECT * FROM c"_s.arg(table),
+            u"CREATE TRIGGER t0 BEFORE UPDATE ON %1 BEGIN INSERT INTO settings (category, name) "
+            "WITH RECURSIVE c(id) AS (SELECT 1 UNION ALL SELECT id + 1 FROM c) SELECT id, id FROM c; END"_s.arg(table),
             u"CREATE TRIGGER t1 BEFORE DELETE ON %1 BEGIN SELECT RAISE(ABORT, '<b>nein</b>'); END"_s.arg(table),
             u"CREATE TRIGGER t2 AFTER DELETE ON %1 BEGIN DELETE FROM loc_seen; END"_s.arg(table),
             u"CREATE TRIGGER t3 AFTER UPDATE ON %1 BEGIN UPDATE loc_picture SET pictAuxPath = '%2'; END"_s.arg(
@@ -122,6 +133,20 @@ void Mutations::spoilBytes(const QString &path, QRandomGenerator &random)
 
 void Mutations::falsifyRows(const QString &file, const QString &foreign, bool hugeTexts, QRandomGenerator &random)
 {
+    QStringList all;
+    for (int i = random.bounded(1, 5); i > 0; --i) {
+        const QString strange = strangeStatement(foreign, hugeTexts, random);
+        const bool isTrigger = strange.startsWith(u"CREATE TRIGGER"_s);
+        all += isTrigger ? QStringList(strange) : strange.split(u"; "_s);
+        if (strange.contains(u"RECURSIVE"_s)) {
+            break; // without end: what came next would not come back
+        }
+    }
+    run(file, all);
+}
+
+void Mutations::run(const QString &file, const QStringList &statements)
+{
     const QString name = u"mutation"_s;
     {
         QSqlDatabase database = QSqlDatabase::addDatabase(u"QSQLITE"_s, name);
@@ -130,12 +155,8 @@ void Mutations::falsifyRows(const QString &file, const QString &foreign, bool hu
             qFatal("cannot open %s", qUtf8Printable(file));
         }
         QSqlQuery(u"PRAGMA synchronous=OFF"_s, database);
-        for (int i = random.bounded(1, 5); i > 0; --i) {
-            const QStringList statements = strangeStatement(foreign, hugeTexts, random).split(u"; "_s);
-            const bool isTrigger = statements.first().startsWith(u"CREATE TRIGGER"_s);
-            for (const QString &statement : isTrigger ? QStringList(statements.join(u"; "_s)) : statements) {
-                QSqlQuery(statement, database);
-            }
+        for (const QString &statement : statements) {
+            QSqlQuery(statement, database);
         }
     }
     QSqlDatabase::removeDatabase(name);

@@ -2,6 +2,7 @@
 
 #include <QRandomGenerator>
 #include <QString>
+#include <QStringList>
 
 /// Damages and falsifies copies of the sample catalogue.
 namespace Mutations {
@@ -13,5 +14,8 @@ void spoilBytes(const QString &file, QRandomGenerator &random);
 /// would write: ids beyond 32 bits, NULL, blobs, huge texts, no dates, foreign paths, views and triggers. `foreign` is
 /// the absolute path of a file that must survive. Huge texts make a mutation slow, so they can be left out.
 void falsifyRows(const QString &file, const QString &foreign, bool hugeTexts, QRandomGenerator &random);
+
+/// Runs the statements against the database `file`, whatever each of them says.
+void run(const QString &file, const QStringList &statements);
 
 } // namespace Mutations

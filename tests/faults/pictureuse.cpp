@@ -7,6 +7,8 @@
 #include "tests/faults/dialoganswerer.h"
 #include "tests/faults/faultfolder.h"
 #include "tests/faults/forkedrun.h"
+#include "tests/faults/pictureforgery.h"
+#include "tests/faults/sleepwatch.h"
 
 #include <QFile>
 
@@ -14,14 +16,12 @@
 #include <ctime>
 
 #include <sys/resource.h>
-#include <unistd.h>
 
 using namespace Qt::StringLiterals;
 
 namespace {
 
 constexpr QSize PreviewBox(540, 360);
-constexpr unsigned LongestWait = 60; // seconds by the clock: so long a file takes only when its reading is blocked
 
 } // namespace
 
@@ -47,7 +47,26 @@ bool PictureUse::readAndStore(const QString &path)
     return size.isValid() && !preview.isNull() && isWritten;
 }
 
-bool PictureUse::useInForm(const QString &path, DialogAnswerer &answers)
+QList<QByteArray> PictureUse::makeSamples(const QString &folder)
+{
+    const auto path = [&folder](int sample) -> QString { return folder + u'/' + QString::number(sample); };
+    const ForkedRun::End end = runForked([&path] { // painting starts threads, which the later forks would miss
+        for (int i = 0; const QByteArray &sample : PictureForgery::samples()) {
+            write(path(i++), sample);
+        }
+    });
+    QList<QByteArray> samples;
+    for (int i = 0; i < PictureForgery::SampleCount; ++i) {
+        QFile file(path(i));
+        if (!end.isGood() || !file.open(QIODevice::ReadOnly)) {
+            qFatal("no sample pictures: %s", qUtf8Printable(end.description()));
+        }
+        samples.append(file.readAll());
+    }
+    return samples;
+}
+
+PictureUse::FormResult PictureUse::chooseInForm(const QString &path, DialogAnswerer &answers)
 {
     answers.setFile(path);
     answers.on(u"Edit Bahnito-Bild"_s, [](QWidget *form) {
@@ -57,18 +76,26 @@ bool PictureUse::useInForm(const QString &path, DialogAnswerer &answers)
     });
     LocPictureForm form(1, -1);
     form.exec();
-    const QString boxes = answers.takeBoxes().join(u'/');
-    if (boxes != (form.isSaved() ? QString() : u"File-Info|Die Datei ist kein lesbares Bild!"_s)) {
-        qFatal("unexpected boxes: %s", qUtf8Printable(boxes));
-    }
-    if (!form.isSaved()) {
-        return false;
-    }
-    if (QImage(form.copyPath()).isNull() || !damages(u"."_s).isEmpty()) {
+    const FormResult result { answers.takeBoxes().join(u'/'), form.isSaved(), QImage(form.copyPath()) };
+    if (!damages(u"."_s).isEmpty()) {
         qFatal("a damaged copy: %s", qUtf8Printable(damages(u"."_s).join(u'/')));
     }
-    LocPictureForm::deletePicture(form.pictureId(), false);
-    return true;
+    if (form.isSaved()) {
+        LocPictureForm::deletePicture(form.pictureId(), false);
+    }
+    return result;
+}
+
+bool PictureUse::useInForm(const QString &path, DialogAnswerer &answers)
+{
+    const FormResult result = chooseInForm(path, answers);
+    if (result.boxes != (result.isSaved ? QString() : Unreadable)) {
+        qFatal("unexpected boxes: %s", qUtf8Printable(result.boxes));
+    }
+    if (result.isSaved == result.copy.isNull()) {
+        qFatal("the copy and its row do not agree");
+    }
+    return result.isSaved;
 }
 
 PictureUse::Figures PictureUse::figuresOf(
@@ -79,10 +106,9 @@ PictureUse::Figures PictureUse::figuresOf(
             Figures figures;
             for (int i = 0; i < files; ++i) {
                 make(i);
-                alarm(LongestWait);
+                const SleepWatch watch;
                 const std::clock_t start = std::clock(); // not the time of day: others use the machine too
                 figures.readable += use(path) ? 1 : 0;
-                alarm(0);
                 figures.slowest = std::max(figures.slowest, int((std::clock() - start) * 1000 / CLOCKS_PER_SEC));
             }
             rusage usage {};
@@ -90,7 +116,7 @@ PictureUse::Figures PictureUse::figuresOf(
             ForkedRun::report(u"%1 %2 %3"_s.arg(QString::number(figures.readable), QString::number(figures.slowest),
                 QString::number(usage.ru_maxrss / 1024)));
         },
-        (files + 1) * int(LongestWait) * 1000);
+        (files + 1) * SleepWatch::LongestTime * 1000);
     const QStringList words = end.lines.value(0).split(u' ');
     if (!end.isGood() || words.size() != 3) {
         qFatal("%s: %s", qUtf8Printable(path), qUtf8Printable(end.description()));

@@ -10,11 +10,13 @@
 #include <QLineEdit>
 #include <QMenu>
 #include <QSqlDatabase>
+#include <QSqlQuery>
 #include <QTableView>
 #include <QTest>
 #include <QTextEdit>
 #include <QToolBar>
 #include <QToolButton>
+#include <QVariant>
 
 #include <utility>
 
@@ -31,6 +33,13 @@ void leave(QWidget *form)
     }
 }
 
+/// 0 when they cannot be counted.
+int countEntries()
+{
+    QSqlQuery query(u"SELECT COUNT(*) FROM loc_seen"_s);
+    return query.next() ? query.value(0).toInt() : 0;
+}
+
 } // namespace
 
 RandomUser::RandomUser(quint32 seed, Manner manner, const QString &photographs)
@@ -39,7 +48,9 @@ RandomUser::RandomUser(quint32 seed, Manner manner, const QString &photographs)
     , m_photographs(photographs)
 {
     const auto always = [this](const QString &title, void (RandomUser::*answer)(QWidget *)) {
-        m_answers.always(title, [this, answer](QWidget *form) {
+        m_deeds.insert(title, 0);
+        m_answers.always(title, [this, title, answer](QWidget *form) {
+            ++m_deeds[title];
             (this->*answer)(form);
             leave(form);
         });
@@ -79,6 +90,22 @@ void RandomUser::act()
     QApplication::processEvents();
 }
 
+QStringList RandomUser::deedLines(const Deeds &deeds)
+{
+    QStringList lines;
+    for (const auto &[deed, times] : deeds.asKeyValueRange()) {
+        lines.append(QString::number(times) + u' ' + deed);
+    }
+    return lines;
+}
+
+void RandomUser::addDeeds(Deeds &sum, const QStringList &lines)
+{
+    for (const QString &line : lines) {
+        sum[line.section(u' ', 1)] += line.section(u' ', 0, 0).toInt();
+    }
+}
+
 void RandomUser::searchSomeGroup()
 {
     QList<QToolButton *> groups = m_browser->window().findChildren<QToolButton *>();
@@ -102,7 +129,16 @@ void RandomUser::pressSomeButton()
         searchSomeGroup();
         return;
     }
-    m_browser->click(buttons.at(m_random.bounded(buttons.size())));
+    press(static_cast<ButtonItem *>(buttons.at(m_random.bounded(buttons.size()))));
+}
+
+void RandomUser::press(ButtonItem *button)
+{
+    const ButtonKind kind = button->kind();
+    const int before = kind == ButtonKind::Delete ? countEntries() : 0;
+    m_browser->click(button); // and it may be gone
+    m_deeds[u"listed"_s] += kind == ButtonKind::Count ? 1 : 0;
+    m_deeds[u"deleted"_s] += kind == ButtonKind::Delete && countEntries() < before ? 1 : 0;
 }
 
 void RandomUser::pickSomeColor()
@@ -133,17 +169,23 @@ void RandomUser::answerOptions(QWidget *options)
     if (works(30) || (m_manner == LookOnly && chance(10))) {
         DialogAnswerer::click(options, u"Neue Lok"_s);
     }
-    if (chance(90)) {
-        DialogAnswerer::click(options, u"Suchen"_s);
+    if (chance(90) && DialogAnswerer::click(options, u"Suchen"_s)) {
+        ++m_deeds[u"searched"_s];
     }
 }
 
 void RandomUser::answerEntry(QWidget *form)
 {
     if (works(70)) {
-        type(form, u"numberEdit"_s, 22);
-        type(form, u"placeEdit"_s, 42);
-        form->findChild<QTextEdit *>()->insertPlainText(u"Wetter %1\n"_s.arg(m_random.bounded(1000)));
+        if (chance(70)) {
+            type(form, u"numberEdit"_s, 22);
+        }
+        if (chance(70)) {
+            type(form, u"placeEdit"_s, 42);
+        }
+        if (chance(70)) {
+            form->findChild<QTextEdit *>()->insertPlainText(u"Wetter %1\n"_s.arg(m_random.bounded(1000)));
+        }
         DialogAnswerer::click(form, u"Speichern"_s);
     }
     chooseSomeRow(form);

@@ -3,6 +3,7 @@
 #include "tests/faults/dialoganswerer.h"
 #include "tests/support/browserwindow.h"
 
+#include <QMap>
 #include <QRandomGenerator>
 
 #include <memory>
@@ -26,12 +27,22 @@ public:
 
     void act();
 
+    /// How often each thing was really done: the forms that opened by their titles, "searched", "listed" (the entries
+    /// of one number) and "deleted" (an entry whose row is gone). Never done is 0.
+    using Deeds = QMap<QString, int>;
+    [[nodiscard]] const Deeds &deeds() const { return m_deeds; }
+
+    /// The deeds as lines, to hand them over from one process to another, and what was added up of such lines.
+    [[nodiscard]] static QStringList deedLines(const Deeds &deeds);
+    static void addDeeds(Deeds &sum, const QStringList &lines);
+
     [[nodiscard]] BrowserWindow &browser() const { return *m_browser; }
     QStringList takeBoxes() { return m_answers.takeBoxes(); }
 
 private:
     void searchSomeGroup();
     void pressSomeButton();
+    void press(ButtonItem *button);
     void pickSomeColor();
     void maintainGroups();
 
@@ -50,6 +61,8 @@ private:
     QRandomGenerator m_random;
     Manner m_manner;
     QString m_photographs;
+    Deeds m_deeds { { QStringLiteral("searched"), 0 }, { QStringLiteral("listed"), 0 },
+        { QStringLiteral("deleted"), 0 } };
     DialogAnswerer m_answers;
     std::unique_ptr<BrowserWindow> m_browser;
 };

@@ -8,6 +8,8 @@
 #include <QDir>
 #include <QFile>
 
+#include <algorithm>
+
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -73,22 +75,51 @@ QList<SavingStep> savingSteps(const QString &photographs)
     const QString small = photographs + u"/klein.jpg"_s;
     const QString large = photographs + u"/gross.jpg"_s;
     const QString png = photographs + u"/bild.png"_s;
+    const QString insertion = u"DB-Insert"_s;
+    const QString update = u"DB-Update"_s;
+    const QString deletion = u"DB-Delete"_s;
     return {
-        { u"addGroup"_s, [=](CatalogueUser &user) { user.addGroup(u"Neue Gruppe"_s, small); } },
-        { u"changeGroupPicture"_s, [=](CatalogueUser &user) { user.changeGroupPicture(u"Neue Gruppe"_s, png); } },
-        { u"addClass"_s, [](CatalogueUser &user) { user.addClass(Group, u"Be 6/8 III"_s); } },
-        { u"moveClass"_s, [](CatalogueUser &user) { user.moveClass(Group, u"Leer"_s, u"Neue Gruppe"_s); } },
-        { u"addEntry"_s, [](CatalogueUser &user) { user.addEntry(Group, Model, u"14253"_s, u"Biasca"_s, u"neu"_s); } },
-        { u"addPicture"_s, onList([=](CatalogueUser &user) { user.addPicture(u"14203"_s, large); }) },
-        { u"addPng"_s, onList([=](CatalogueUser &user) { user.addPicture(u"14203"_s, png); }) },
-        { u"editEntry"_s, onList([](CatalogueUser &user) { user.editEntry(u"14202"_s, u" Nord"_s); }) },
-        { u"editByClosing"_s, onList([](CatalogueUser &user) { user.editEntry(u"14202"_s, u"ost"_s, true); }) },
-        { u"deletePicture"_s, onList([](CatalogueUser &user) { user.deletePicture(u"14202"_s); }) },
-        { u"deleteEntry"_s, onList([](CatalogueUser &user) { user.deleteEntry(u"14201"_s); }), true },
-        { u"deleteClass"_s, [](CatalogueUser &user) { user.deleteClass(Group, u"Be 6/8 III"_s); } },
-        { u"deleteGroup"_s, [](CatalogueUser &user) { user.deleteGroup(u"Leere Gruppe"_s); } },
+        { u"addGroup"_s, [=](CatalogueUser &user) { user.addGroup(u"Neue Gruppe"_s, small); }, insertion, 1 },
+        { u"changeGroupPicture"_s, [=](CatalogueUser &user) { user.changeGroupPicture(u"Neue Gruppe"_s, png); },
+            insertion },
+        { u"addClass"_s, [](CatalogueUser &user) { user.addClass(Group, u"Be 6/8 III"_s); }, insertion },
+        { u"moveClass"_s, [](CatalogueUser &user) { user.moveClass(Group, u"Leer"_s, u"Neue Gruppe"_s); }, update },
+        { u"addEntry"_s, [](CatalogueUser &user) { user.addEntry(Group, Model, u"14253"_s, u"Biasca"_s, u"neu"_s); },
+            insertion },
+        { u"addPicture"_s, onList([=](CatalogueUser &user) { user.addPicture(u"14203"_s, large); }), insertion },
+        { u"addPng"_s, onList([=](CatalogueUser &user) { user.addPicture(u"14203"_s, png); }), insertion },
+        { u"editEntry"_s, onList([](CatalogueUser &user) { user.editEntry(u"14202"_s, u" Nord"_s); }), update, 2 },
+        { u"editByClosing"_s, onList([](CatalogueUser &user) { user.editEntry(u"14202"_s, u"ost"_s, true); }), update,
+            1 },
+        { u"deletePicture"_s, onList([](CatalogueUser &user) { user.deletePicture(u"14202"_s); }), deletion },
+        { u"deleteEntry"_s, onList([](CatalogueUser &user) { user.deleteEntry(u"14201"_s); }), u"DB-Löschen"_s, 0,
+            true },
+        { u"deleteClass"_s, [](CatalogueUser &user) { user.deleteClass(Group, u"Be 6/8 III"_s); }, deletion },
+        { u"deleteGroup"_s, [](CatalogueUser &user) { user.deleteGroup(u"Leere Gruppe"_s); }, deletion },
         { u"shutDown"_s, [](CatalogueUser &user) { user.shutDown(u"schwarz"_s); } },
     };
+}
+
+QString wrongBoxes(const SavingStep &step, const QList<QStringList> &boxes, const QStringList &reasons)
+{
+    QStringList allowed { u"File-Info|Die Bild-Datei konnte nicht gespeichert werden!"_s };
+    for (const QString &reason : reasons) {
+        allowed.append(step.failureTitle + u'|' + reason + u" Der Datensatz konnte nicht abgeholt werden"_s);
+    }
+    if (!step.storesPicture()) {
+        allowed.removeFirst();
+    }
+    QStringList shown;
+    for (const QStringList &ofClick : boxes) {
+        shown.append(ofClick);
+    }
+    const bool isToldAtOnce = step.failureTitle.isEmpty() || boxes.value(0).size() == 1;
+    const bool isKnown
+        = std::all_of(shown.cbegin(), shown.cend(), [&allowed](const QString &box) { return allowed.contains(box); });
+    const qsizetype expected = step.failureTitle.isEmpty() ? 0 : 1 + step.furtherTries;
+    return isToldAtOnce && isKnown && shown.size() == expected
+        ? QString()
+        : u"boxes: "_s + shown.join(u" / "_s) + u" in place of "_s + allowed.join(u" or "_s);
 }
 
 Reference makeReference(const QString &sample, const QList<SavingStep> &steps, const QString &snapshots)

@@ -2,6 +2,7 @@
 #include "store/colorsetting.h"
 #include "store/database.h"
 #include "store/entryremoval.h"
+#include "tests/faults/failingcalls.h"
 #include "tests/faults/faultfolder.h"
 #include "tests/faults/forkedrun.h"
 #include "tests/faults/mutations.h"
@@ -11,11 +12,16 @@
 #include "tests/support/testpictures.h"
 
 #include <QDir>
+#include <QDirIterator>
 #include <QElapsedTimer>
+#include <QFileInfo>
 #include <QSqlQuery>
 #include <QTest>
 #include <QVariant>
 
+#include <cerrno>
+
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -24,6 +30,67 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr int LongestSession = 60000; // ms, on a machine that does other things too
+
+/// Lets what grows without end fail before the machine does.
+void limitGrowth()
+{
+    constexpr rlim_t LargestFile = 1024UL * 1024 * 1024; // bytes
+    constexpr rlim_t MostMemory = 4 * LargestFile;
+    const rlimit fileLimit { LargestFile, LargestFile };
+    setrlimit(RLIMIT_FSIZE, &fileLimit);
+    if (!isSanitized()) { // whose shadow alone is larger
+        const rlimit memoryLimit { MostMemory, MostMemory };
+        setrlimit(RLIMIT_AS, &memoryLimit);
+    }
+}
+
+QString storeRoot; // of the process that watches itself
+
+/// Ends the process when a file is to be written, made or removed that is neither the database nor in the store.
+void refuseOutside(const char *name, const char *path)
+{
+    const int formerError = errno;
+    const QFileInfo file(QFile::decodeName(path));
+    const QString data = storeRoot.chopped(int(qstrlen("/Pictures")));
+    const bool followsLinks = qstrcmp(name, "open") == 0 && file.exists();
+    const QString target
+        = followsLinks ? file.canonicalFilePath() : file.dir().canonicalPath() + u'/' + file.fileName();
+    const bool isAllowed = target == storeRoot || target.startsWith(storeRoot + u'/') || target == data
+        || target == data + u"/bahnakte.dat"_s || target == data + u"/bahnakte.dat-journal"_s
+        || target == qEnvironmentVariable("XDG_CONFIG_HOME")
+        || target.startsWith(
+            qEnvironmentVariable("XDG_CONFIG_HOME") + u'/'); // where Qt's file dialog keeps its columns
+    if (!isAllowed) {
+        qFatal("%s of %s", name, qUtf8Printable(target));
+    }
+    errno = formerError;
+}
+
+/// Goes into the catalogue `folder`; from now on nothing outside of its store may be touched.
+void enterAndWatch(const QString &folder)
+{
+    limitGrowth();
+    QDir::setCurrent(folder);
+    storeRoot = QDir(folder).canonicalPath() + u"/Data/Pictures"_s;
+    FailingCalls::setTouchHook(refuseOutside);
+}
+
+/// All names below `folder` outside of the store, but for the journal that a failed commit may leave and for Qt's own.
+QStringList namesOutsideTheStore(const QString &folder)
+{
+    QStringList names;
+    QDirIterator entries(
+        folder, QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot, QDirIterator::Subdirectories);
+    while (entries.hasNext()) {
+        const QString name = entries.next();
+        if (!name.contains(u"/Data/Pictures/"_s) && !name.contains(u"/config/"_s)
+            && !name.endsWith(u"bahnakte.dat-journal"_s)) {
+            names.append(name);
+        }
+    }
+    names.sort();
+    return names;
+}
 
 /// The rows that belong to no entry, as far as they can be read, and the files in the folder of the group pictures.
 QString digestOfGroupPictures()
@@ -46,6 +113,8 @@ class TestHostileDatabases final : public QObject
 
 private Q_SLOTS:
     void initTestCase();
+    void endlessViewsAndTriggersAreNotFollowed_data();
+    void endlessViewsAndTriggersAreNotFollowed();
     void everyReadAndDeletionSurvives();
     void everySessionSurvives();
 
@@ -56,6 +125,7 @@ private:
 
     FaultFolder m_folder;
     QByteArray m_canaries;
+    QStringList m_namesOutside;
 };
 
 void TestHostileDatabases::initTestCase()
@@ -68,6 +138,8 @@ void TestHostileDatabases::initTestCase()
         writeTestJpeg(m_folder.path(u"canaries/link.jpg"_s), { 60, 40 });
     }).isGood());
     m_canaries = folderDigest(m_folder.path(u"canaries"_s));
+    QVERIFY(QDir().mkpath(m_folder.path(u"config"_s)));
+    qputenv("XDG_CONFIG_HOME", QFile::encodeName(QFileInfo(m_folder.path(u"config"_s)).canonicalFilePath()));
 }
 
 /// A catalogue with number `seed`, with a file beside the database, a link, a linked folder and a pipe in the store.
@@ -89,6 +161,7 @@ void TestHostileDatabases::makeCatalogue(quint32 seed, bool hugeTexts)
     if (kind != 1) {
         Mutations::spoilBytes(work() + u"/Data/bahnakte.dat"_s, random);
     }
+    m_namesOutside = namesOutsideTheStore(m_folder.path());
 }
 
 void TestHostileDatabases::checkCanaries()
@@ -97,6 +170,43 @@ void TestHostileDatabases::checkCanaries()
     QFile note(work() + u"/Data/notiz.txt"_s);
     QVERIFY(note.open(QIODevice::ReadOnly));
     QCOMPARE(note.readAll(), QByteArray("bleibt"));
+    QVERIFY(QFileInfo(work() + u"/Data/bahnakte.dat"_s).isFile());
+    QCOMPARE(namesOutsideTheStore(m_folder.path()), m_namesOutside);
+}
+
+void TestHostileDatabases::endlessViewsAndTriggersAreNotFollowed_data()
+{
+    QTest::addColumn<QString>("table");
+    for (const QString &table : { u"locomotive"_s, u"loc_model"_s, u"loc_seen"_s, u"loc_picture"_s, u"settings"_s }) {
+        QTest::newRow(qUtf8Printable(table)) << table;
+    }
+}
+
+/// A whole session with each, which would never come to its end.
+void TestHostileDatabases::endlessViewsAndTriggersAreNotFollowed()
+{
+    QFETCH(const QString, table);
+    const QString endless = u"WITH RECURSIVE c(id) AS (SELECT 1 UNION ALL SELECT id + 1 FROM c) "_s;
+    const QString trigger = u"CREATE TRIGGER t%1 AFTER %1 ON %2 BEGIN INSERT INTO settings (category, name) %3"
+                            "SELECT id, id FROM c; END"_s;
+    const QStringList views { u"ALTER TABLE %1 RENAME TO hidden"_s.arg(table),
+        u"CREATE VIEW %1 AS %2 SELECT * FROM c"_s.arg(table, endless) };
+    const QStringList triggers { trigger.arg(u"INSERT"_s, table, endless), trigger.arg(u"UPDATE"_s, table, endless),
+        trigger.arg(u"DELETE"_s, table, endless) };
+    for (const QStringList &statements : { views, triggers }) {
+        FaultFolder::copy(m_folder.path(u"sample"_s), work());
+        Mutations::run(work() + u"/Data/bahnakte.dat"_s, statements);
+        const ForkedRun::End end = runForked(
+            [this] {
+                enterAndWatch(work());
+                RandomUser user(1, RandomUser::Work, m_folder.path(u"photographs"_s));
+                for (int i = 0; i < 30; ++i) {
+                    user.act();
+                }
+            },
+            LongestSession);
+        QVERIFY2(end.isGood(), qPrintable(end.description()));
+    }
 }
 
 /// All queries of the catalogue and the deletion of entries, without a window.
@@ -108,7 +218,7 @@ void TestHostileDatabases::everyReadAndDeletionSurvives()
         makeCatalogue(quint32(seed), false);
         const ForkedRun::End end = runForked(
             [this] {
-                QDir::setCurrent(work());
+                enterAndWatch(work());
                 if (!connectDatabase()) {
                     return;
                 }
@@ -146,25 +256,34 @@ void TestHostileDatabases::everyReadAndDeletionSurvives()
 /// The whole program on them: searches, forms, listings, deletions, closing.
 void TestHostileDatabases::everySessionSurvives()
 {
-    const int catalogues = share(40, 10000);
+    const int catalogues = share(100, 10000);
+    RandomUser::Deeds deeds;
     for (int seed = 1; seed <= catalogues; ++seed) {
-        makeCatalogue(quint32(seed), seed % 10 == 0);
+        makeCatalogue(quint32(seed), seed % 4 == 0);
         const ForkedRun::End end = runForked(
             [this, seed] {
-                QDir::setCurrent(work());
+                enterAndWatch(work());
                 RandomUser user(quint32(seed), RandomUser::Work, m_folder.path(u"photographs"_s));
-                for (int i = 0; i < 8; ++i) {
+                for (int i = 0; i < 12; ++i) {
                     user.act();
+                }
+                for (const QString &line : RandomUser::deedLines(user.deeds())) {
+                    ForkedRun::report(line);
                 }
             },
             LongestSession);
         QVERIFY2(end.isGood(), qPrintable(u"catalogue %1: "_s.arg(seed) + end.description()));
+        RandomUser::addDeeds(deeds, end.lines);
         checkCanaries();
         if (QTest::currentTestFailed()) {
             return;
         }
     }
-    qInfo("%d hostile catalogues used", catalogues);
+    qInfo("%d hostile catalogues used: %s", catalogues, qPrintable(RandomUser::deedLines(deeds).join(u", "_s)));
+    QCOMPARE(deeds.size(), 9); // six forms, searches, listings and deletions
+    QVERIFY(deeds.key(0).isEmpty()); // none was never done
+    QVERIFY(deeds.value(u"searched"_s) > catalogues && deeds.value(u"Edit Bahnito-Eintrag"_s) > catalogues);
+    QVERIFY(deeds.value(u"deleted"_s) > catalogues / 20);
 }
 
 BAHNITO_TEST_MAIN(TestHostileDatabases)

@@ -1,20 +1,14 @@
-#include "app/startup.h"
-#include "forms/picturefiledialog.h"
-#include "forms/picturepreview.h"
 #include "store/pictureloader.h"
-#include "tests/faults/dialoganswerer.h"
 #include "tests/faults/faultfolder.h"
 #include "tests/faults/forkedrun.h"
 #include "tests/faults/pictureforgery.h"
 #include "tests/faults/pictureuse.h"
-#include "tests/faults/samplecatalogue.h"
 #include "tests/support/testmain.h"
 #include "tests/support/testpictures.h"
 
 #include <QDir>
 #include <QRandomGenerator>
 #include <QTest>
-#include <QTreeView>
 
 #include <algorithm>
 
@@ -30,15 +24,14 @@ constexpr double MostMemory = 600; // MB
 
 } // namespace
 
-/// Photographs that are broken or made to do harm, on their way from the choice to the stored copy.
+/// Photographs that are broken or made to do harm, as they are read, made smaller and written again.
 class TestHostilePictures final : public QObject
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase();
+    void initTestCase() { m_samples = makeSamples(path({})); }
     void mutatedPicturesAreSurvived();
-    void mutatedPicturesAreStoredOrRefused();
     void hugeHeadersCostNeitherTimeNorMemory_data();
     void hugeHeadersCostNeitherTimeNorMemory();
     void overloadedFilesCostNeitherTimeNorMemory_data();
@@ -50,7 +43,6 @@ private Q_SLOTS:
     void rarePicturesAreRead();
     void hugePhotographIsRead_data();
     void hugePhotographIsRead();
-    void markedPictureIsShownOnlyWhereThatIsQuick();
 
 private:
     void checkLimits(const Figures &figures);
@@ -59,21 +51,6 @@ private:
     FaultFolder m_folder;
     QList<QByteArray> m_samples;
 };
-
-void TestHostilePictures::initTestCase()
-{
-    QVERIFY(runForked([this] {
-        for (qsizetype i = 0; const QByteArray &sample : PictureForgery::samples()) {
-            write(path(QString::number(i++)), sample);
-        }
-    }).isGood());
-    for (int i = 0; QFile::exists(path(QString::number(i))); ++i) {
-        QFile file(path(QString::number(i)));
-        QVERIFY(file.open(QIODevice::ReadOnly));
-        m_samples.append(file.readAll());
-    }
-    QCOMPARE(m_samples.size(), PictureForgery::SampleCount);
-}
 
 void TestHostilePictures::checkLimits(const Figures &figures)
 {
@@ -98,39 +75,6 @@ void TestHostilePictures::mutatedPicturesAreSurvived()
     }
     checkLimits(all);
     QVERIFY(all.readable > files / 20); // else the damage is so great that nothing was tried
-}
-
-void TestHostilePictures::mutatedPicturesAreStoredOrRefused()
-{
-    const int files = share(100, 2000);
-    const QString photograph = path(u"photographs/hostile.jpg"_s);
-    QVERIFY(QDir().mkpath(path(u"photographs"_s)));
-    QVERIFY(runForked([this] { makeSampleCatalogue(path(u"work"_s)); }).isGood());
-    std::unique_ptr<DialogAnswerer> answers;
-    const Figures figures = figuresOf(
-        photograph, files,
-        [&](int i) {
-            if (!answers) { // the first one: the process has just begun
-                QDir::setCurrent(path(u"work"_s));
-                if (!Startup::openCatalogue()) {
-                    qFatal("no catalogue");
-                }
-                answers = std::make_unique<DialogAnswerer>();
-            }
-            QRandomGenerator random(quint32(i) + 1000000);
-            write(photograph, PictureForgery::mutated(m_samples, random));
-        },
-        [&](const QString &file) {
-            const QByteArray before = folderDigest(QFileInfo(file).path());
-            const bool isStored = useInForm(file, *answers);
-            if (folderDigest(QFileInfo(file).path()) != before) {
-                qFatal("the photograph was touched");
-            }
-            return isStored;
-        });
-    checkLimits(figures);
-    QVERIFY(figures.readable > files / 20);
-    QVERIFY(figures.readable < files); // some must have been refused
 }
 
 void TestHostilePictures::hugeHeadersCostNeitherTimeNorMemory_data()
@@ -275,41 +219,6 @@ void TestHostilePictures::hugePhotographIsRead()
     const Figures figures = figuresOf(name, 1, [](int) {});
     checkLimits(figures);
     QCOMPARE(figures.readable, 1);
-}
-
-/// Marks the files of a folder in the file dialog one after the other.
-void TestHostilePictures::markedPictureIsShownOnlyWhereThatIsQuick()
-{
-    const QString folder = path(u"Fotos"_s);
-    QVERIFY(QDir().mkpath(folder));
-    const ForkedRun::End end = runForked([this, &folder] {
-        QImage image(7000, 5000, QImage::Format_Grayscale8);
-        image.fill(Qt::gray);
-        write(folder + u"/a.png"_s, PictureForgery::encoded(image, "PNG"));
-        write(folder + u"/b.png"_s, m_samples.at(PictureForgery::Png));
-        write(folder + u"/c.jpg"_s, PictureForgery::encoded(image, "JPEG"));
-        PictureFileDialog dialog(nullptr, u"Open File"_s, folder, u"Images (*.png *.jpg)"_s);
-        dialog.show();
-        auto *list = dialog.findChild<QTreeView *>(u"treeView"_s);
-        auto *preview = dialog.findChild<PicturePreview *>(u"filePreview"_s);
-        const auto rows = [list] { return list->model()->rowCount(list->rootIndex()); };
-        if (!QTest::qWaitFor([&rows] { return rows() == 3; })) {
-            qFatal("%d files are listed", rows());
-        }
-        const QStringList names { u"a.png"_s, u"b.png"_s, u"c.jpg"_s };
-        for (const QString &name : names) { // not by rows, which are sorted later
-            preview->clear();
-            const QImage untouched = preview->grab().toImage();
-            const QModelIndex first = list->model()->index(0, 0, list->rootIndex());
-            list->setCurrentIndex(list->model()->match(first, Qt::DisplayRole, name).value(0));
-            const bool isChanged = QTest::qWaitFor([&] { return preview->grab().toImage() != untouched; });
-            const bool isShown = !preview->scene()->items().isEmpty();
-            const QString outcome = !isChanged ? u"nothing"_s : isShown ? u"picture"_s : u"notice"_s;
-            ForkedRun::report(name + u": "_s + outcome);
-        }
-    });
-    QVERIFY2(end.isGood(), qPrintable(end.description()));
-    QCOMPARE(end.lines, QStringList({ u"a.png: notice"_s, u"b.png: picture"_s, u"c.jpg: picture"_s }));
 }
 
 BAHNITO_TEST_MAIN(TestHostilePictures)

@@ -76,12 +76,20 @@ void TestLookingOnly::lookingChangesNothingButTheSettings()
             for (int i = 0; i < actions; ++i) {
                 user.act();
             }
+            for (const QString &line : RandomUser::deedLines(user.deeds())) {
+                ForkedRun::report(line);
+            }
         },
         3600000);
     QVERIFY2(end.isGood(), qPrintable(end.description()));
     QCOMPARE(exactDump(m_folder.path(u"work"_s)), before);
     QCOMPARE(folderDigest(m_folder.path(u"work/Data/Pictures"_s)), pictures);
-    qInfo("%d actions over a thousand odd rows", actions);
+    RandomUser::Deeds deeds;
+    RandomUser::addDeeds(deeds, end.lines);
+    QCOMPARE(deeds.take(u"deleted"_s), 0);
+    QCOMPARE(deeds.size(), 8); // six forms, searches and listings
+    QVERIFY2(deeds.key(0).isEmpty(), qPrintable(deeds.key(0) + u" never"_s));
+    qInfo("%d actions over a thousand odd rows: %s", actions, qPrintable(end.lines.join(u", "_s)));
 }
 
 BAHNITO_TEST_MAIN(TestLookingOnly)

@@ -4,79 +4,38 @@
 #include "tests/faults/forkedrun.h"
 #include "tests/faults/randomuser.h"
 #include "tests/faults/samplecatalogue.h"
+#include "tests/faults/writejournal.h"
 #include "tests/support/testmain.h"
 #include "tests/support/testpictures.h"
 
 #include <QDir>
 #include <QElapsedTimer>
-#include <QMap>
-#include <QSqlDatabase>
-#include <QSqlQuery>
+#include <QRandomGenerator>
 #include <QTest>
+
+#include <functional>
+#include <memory>
 
 using namespace Qt::StringLiterals;
 
 namespace {
 
-const QStringList Tables { u"locomotive"_s, u"loc_model"_s, u"loc_seen"_s, u"loc_picture"_s };
-
-/// Has this program's own connection note which rows it stores and deletes. A rollback takes its notes back, too.
-void keepJournal()
+/// Sets the clock of the process to a fixed day; each look finds it a millisecond later. `collisions` counts the looks
+/// at times whose name a copy has already, and has to live as long as the clock.
+void setFixedClock(int &collisions)
 {
-    QSqlQuery query;
-    bool isKept = query.exec(u"CREATE TEMP TABLE journal (line TEXT, step INTEGER)"_s);
-    for (const QString &table : Tables) {
-        isKept = isKept
-            && query.exec(u"CREATE TEMP TRIGGER %1_stored AFTER INSERT ON main.%1 BEGIN "
-                          "INSERT INTO journal VALUES ('%1 '||NEW.id, 1); END"_s.arg(table))
-            && query.exec(u"CREATE TEMP TRIGGER %1_deleted AFTER DELETE ON main.%1 BEGIN "
-                          "INSERT INTO journal VALUES ('%1 '||OLD.id, -1); END"_s.arg(table));
-    }
-    if (!isKept) {
-        qFatal("no journal");
-    }
+    Clock::setSource([now = QDateTime(QDate(2024, 3, 2), QTime(14, 0)), &collisions]() mutable {
+        now = now.addMSecs(1);
+        for (const QString &folder : { u"AuxFolder"_s, u"Folder001"_s, u"Folder002"_s }) {
+            collisions += isTaken(copyPath(folder, now)) ? 1 : 0;
+        }
+        return now;
+    });
 }
 
-void reportJournal()
+quint32 seedOf(quint32 fixed)
 {
-    QSqlQuery query(u"SELECT line, SUM(step) FROM journal GROUP BY line"_s);
-    while (query.next()) {
-        ForkedRun::report(query.value(0).toString() + u' ' + query.value(1).toString());
-    }
-}
-
-/// Table and id of every row, each counted once.
-QMap<QString, int> rowsOf(const QString &folder)
-{
-    QMap<QString, int> rows;
-    const QString name = u"rows"_s;
-    {
-        QSqlDatabase database = QSqlDatabase::addDatabase(u"QSQLITE"_s, name);
-        database.setDatabaseName(folder + u"/Data/bahnakte.dat"_s);
-        if (!database.open()) {
-            qFatal("the catalogue could not be opened");
-        }
-        for (const QString &table : Tables) {
-            QSqlQuery query(u"SELECT id FROM "_s + table, database);
-            while (query.next()) {
-                rows.insert(table + u' ' + query.value(0).toString(), 1);
-            }
-        }
-    }
-    QSqlDatabase::removeDatabase(name);
-    return rows;
-}
-
-/// Adds what a program has reported; rows that are neither new nor there any more are left out.
-void follow(QMap<QString, int> &rows, const QStringList &journal)
-{
-    for (const QString &line : journal) {
-        const qsizetype step = line.lastIndexOf(u' ');
-        rows[line.left(step)] += line.mid(step + 1).toInt();
-        if (rows.value(line.left(step)) == 0) {
-            rows.remove(line.left(step));
-        }
-    }
+    return isLongRun() ? QRandomGenerator::global()->generate() : fixed;
 }
 
 } // namespace
@@ -87,59 +46,108 @@ class TestTwoPrograms final : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
+    void init();
+    void randomWorkLosesNothing_data();
     void randomWorkLosesNothing();
     void aCopyIsNeverOverwritten();
 
 private:
-    FaultFolder m_folder;
+    [[nodiscard]] std::function<void()> user(quint32 seed, int duration, bool hasFixedClock) const;
+    void checkRows(const Rows &before, const QStringList &firstJournal, const QStringList &secondJournal) const;
+
+    std::unique_ptr<FaultFolder> m_folder;
+    QString m_work;
+    QString m_photographs;
 };
+
+void TestTwoPrograms::init()
+{
+    m_folder = std::make_unique<FaultFolder>();
+    m_work = m_folder->path(u"work"_s);
+    m_photographs = m_folder->path(u"photographs"_s);
+    QVERIFY(runForked([this] {
+        makeSampleCatalogue(m_work);
+        makeSamplePhotographs(m_photographs);
+        makeCounter(m_work);
+    }).isGood());
+}
+
+void TestTwoPrograms::randomWorkLosesNothing_data()
+{
+    QTest::addColumn<bool>("hasFixedClock"); // so that both programs want the same names for their copies
+    QTest::addColumn<int>("seconds");
+    QTest::newRow("by the clock on the wall") << false << share(30, 600);
+    QTest::newRow("at the same moment") << true << share(10, 300);
+}
+
+/// Works for `duration` ms; reports the number of actions, that of colliding names, and the journal.
+std::function<void()> TestTwoPrograms::user(quint32 seed, int duration, bool hasFixedClock) const
+{
+    return [=, this] {
+        int collisions = 0;
+        if (hasFixedClock) {
+            setFixedClock(collisions);
+        }
+        QDir::setCurrent(m_work);
+        RandomUser user(seed, RandomUser::Work, m_photographs);
+        keepJournal();
+        QElapsedTimer timer;
+        timer.start();
+        int actions = 0;
+        while (timer.elapsed() < duration) {
+            user.act();
+            ++actions;
+        }
+        ForkedRun::report(QString::number(actions));
+        ForkedRun::report(QString::number(collisions));
+        reportJournal();
+    };
+}
 
 void TestTwoPrograms::randomWorkLosesNothing()
 {
-    const QString work = m_folder.path(u"work"_s);
-    const QString photographs = m_folder.path(u"photographs"_s);
-    const int duration = share(12, 600) * 1000;
-    QVERIFY(runForked([&] {
-        makeSampleCatalogue(work);
-        makeSamplePhotographs(photographs);
-    }).isGood());
-    QMap<QString, int> expected = rowsOf(work);
-    const auto useFor = [&](quint32 seed) {
-        return [&, seed] {
-            QDir::setCurrent(work);
-            RandomUser user(seed, RandomUser::Work, photographs);
-            keepJournal();
-            QElapsedTimer timer;
-            timer.start();
-            int actions = 0;
-            while (timer.elapsed() < duration) {
-                user.act();
-                ++actions;
-            }
-            ForkedRun::report(QString::number(actions));
-            reportJournal();
-        };
-    };
-    ForkedRun first(useFor(11));
-    ForkedRun second(useFor(12));
-    const ForkedRun::End firstEnd = first.finish(duration + 120000);
-    const ForkedRun::End secondEnd = second.finish(duration + 120000);
+    QFETCH(const bool, hasFixedClock);
+    QFETCH(const int, seconds);
+    const quint32 firstSeed = seedOf(11);
+    const quint32 secondSeed = seedOf(12);
+    qInfo("seeds %u and %u", firstSeed, secondSeed);
+    const Rows before = rowsOf(m_work);
+    ForkedRun first(user(firstSeed, seconds * 1000, hasFixedClock));
+    ForkedRun second(user(secondSeed, seconds * 1000, hasFixedClock));
+    const ForkedRun::End firstEnd = first.finish(seconds * 1000 + 120000);
+    const ForkedRun::End secondEnd = second.finish(seconds * 1000 + 120000);
     QVERIFY2(firstEnd.isGood(), qPrintable(firstEnd.description()));
     QVERIFY2(secondEnd.isGood(), qPrintable(secondEnd.description()));
-    QStringList findings = damages(work);
-    // An entry that one deletes while the other adds a picture to it leaves the picture without an entry.
-    findings.removeIf([](const QString &finding) { return finding.endsWith(u"die Zeile in loc_seen fehlt"_s); });
-    QCOMPARE(findings, QStringList());
-    follow(expected, firstEnd.lines.mid(1));
-    follow(expected, secondEnd.lines.mid(1));
-    QVERIFY(firstEnd.lines.size() > 5 && secondEnd.lines.size() > 5); // both have stored something
-    QCOMPARE(rowsOf(work), expected);
-    qInfo("%s and %s actions", qPrintable(firstEnd.lines.value(0)), qPrintable(secondEnd.lines.value(0)));
+    QCOMPARE(damages(m_work).join(u'\n'), QString());
+    checkRows(before, firstEnd.lines.mid(2), secondEnd.lines.mid(2));
+    const int collisions = firstEnd.lines.value(1).toInt() + secondEnd.lines.value(1).toInt();
+    QCOMPARE(collisions > 0, hasFixedClock);
+    qInfo("%s and %s actions, %lld and %lld writes, %d colliding names", qPrintable(firstEnd.lines.value(0)),
+        qPrintable(secondEnd.lines.value(0)), firstEnd.lines.size() - 2, secondEnd.lines.size() - 2, collisions);
+}
+
+void TestTwoPrograms::checkRows(
+    const Rows &before, const QStringList &firstJournal, const QStringList &secondJournal) const
+{
+    QVERIFY(!firstJournal.isEmpty() && !secondJournal.isEmpty()); // both have stored something
+    Writes writes;
+    QCOMPARE(addWrites(writes, firstJournal), QStringList());
+    QCOMPARE(addWrites(writes, secondJournal).join(u'\n'), QString());
+    QCOMPARE(writes.lastKey(), int(writes.size()));
+    QCOMPARE(counterOf(m_work), int(writes.size()));
+    Rows expected = before;
+    follow(expected, writes);
+    const Rows found = rowsOf(m_work);
+    QCOMPARE(found.keys(), expected.keys());
+    for (auto row = expected.cbegin(); row != expected.cend(); ++row) {
+        QCOMPARE(row.key() + found.value(row.key()), row.key() + row.value());
+    }
+    QCOMPARE(takenBack(before, writes).join(u'\n'), QString());
 }
 
 void TestTwoPrograms::aCopyIsNeverOverwritten()
 {
-    const QString path = m_folder.path(u"kopie.jpg"_s);
+    const QString path = m_folder->path(u"kopie.jpg"_s);
     const QImage mine = testImage({ 30, 20 });
     QVERIFY(writeCopy(mine, path));
     QVERIFY(!writeCopy(testImage({ 60, 40 }), path));

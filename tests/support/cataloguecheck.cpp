@@ -3,6 +3,7 @@
 #include <QDate>
 #include <QDir>
 #include <QDirIterator>
+#include <QHash>
 #include <QImage>
 #include <QImageReader>
 #include <QSet>
@@ -38,6 +39,7 @@ private:
     void checkGroupPictures();
     void checkDates(const QString &column);
     void checkFiles();
+    void checkOwner(const QString &owner, const QString &path);
     QSize checkCopy(const QString &owner, const QString &path);
     void add(const QString &finding) { m_findings.append(finding); }
 
@@ -46,6 +48,7 @@ private:
     QSqlDatabase m_database;
     QStringList m_findings;
     QSet<QString> m_copies; // absolute paths that rows name
+    QHash<QString, QString> m_owners; // of each of them the first row in loc_picture
 };
 
 QStringList CatalogueCheck::findings()
@@ -98,6 +101,7 @@ void CatalogueCheck::checkEntryPictures()
     read(u"SELECT id, pictAuxPath, pictHeight, pictWidth FROM loc_picture"_s, [this](const QSqlQuery &row) {
         const QString owner = u"loc_picture "_s + row.value(0).toString();
         const QString path = row.value(1).toString();
+        checkOwner(owner, path);
         const QSize size = checkCopy(owner, path);
         if (size.isValid() && size != QSize(row.value(3).toInt(), row.value(2).toInt())) {
             add(u"%1: Größe in der Datenbank stimmt nicht mit \"%2\" überein"_s.arg(owner, path));
@@ -130,6 +134,18 @@ void CatalogueCheck::checkFiles()
         if (!m_copies.contains(path)) {
             add(u"\"%1\" gehört zu keiner Zeile"_s.arg(m_folder.relativeFilePath(path)));
         }
+    }
+}
+
+/// Each picture has a copy of its own: of one that two rows name, one row's picture was overwritten, or goes with the
+/// other's.
+void CatalogueCheck::checkOwner(const QString &owner, const QString &path)
+{
+    QString &first = m_owners[QDir::cleanPath(m_folder.absoluteFilePath(path))];
+    if (first.isEmpty()) {
+        first = owner;
+    } else if (!path.isEmpty()) {
+        add(u"%1: \"%2\" gehört auch zu %3"_s.arg(owner, path, first));
     }
 }
 
