@@ -1,5 +1,6 @@
 // The building of LocseenForm, apart from what it does.
 
+#include "forms/datetyping.h"
 #include "forms/dialogstyle.h"
 #include "forms/formparts.h"
 #include "forms/inputguards.h"
@@ -42,6 +43,7 @@ QDateEdit *dateEdit(const QString &objectName)
     edit->setDisplayFormat(u"dd.MM.yyyy"_s);
     edit->setCalendarPopup(true);
     InputGuards::ignoreWheelWithoutFocus(edit);
+    DateTyping::install(edit);
     return edit;
 }
 

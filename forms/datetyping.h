@@ -1,0 +1,24 @@
+#pragma once
+
+#include <QDate>
+#include <QString>
+
+#include <optional>
+
+class QDateEdit;
+
+/// Dates are typed as people write them: "5.6.2020", "05.06.2020", "05062020", "5.6.20".
+namespace DateTyping {
+
+/// Whether `typed` can become a date: day, month and year, with or without something between them.
+[[nodiscard]] bool isBeginning(const QString &typed);
+
+/// What was typed as a date. What is not there yet comes from `base`; a year of two digits is the last one up to
+/// `thisYear` that ends in them. None when there is no such day.
+[[nodiscard]] std::optional<QDate> typedDate(const QString &typed, const QDate &base, int thisYear);
+
+/// Lets the field take a date that is typed from its day on. By itself it leaves the day after two digits, and the
+/// point that follows then skips the month: "05.06.2020" would become the 5th of another month and year.
+void install(QDateEdit *edit);
+
+} // namespace DateTyping
