@@ -35,6 +35,26 @@ PictureFiles picturesOf(int entryId)
     return files;
 }
 
+WriteOutcome deleteRows(int entryId)
+{
+    WriteOutcome outcome = runWrite(u"DELETE FROM loc_picture WHERE locpictureid = %1"_s.arg(entryId));
+    if (outcome.done) {
+        outcome = runWrite(u"DELETE FROM loc_seen WHERE id = %1"_s.arg(entryId));
+    }
+    return outcome;
+}
+
+/// Deletes the rows and takes that back. What this writes into the journal stays there until the transaction ends, so
+/// neither the deletion proper nor the commit needs more room on a disk that is full.
+WriteOutcome rehearse(int entryId)
+{
+    WriteOutcome outcome = runWrite(u"SAVEPOINT rehearsal"_s);
+    if (outcome.done) {
+        outcome = deleteRows(entryId);
+    }
+    return outcome.done ? runWrite(u"ROLLBACK TO rehearsal"_s) : outcome;
+}
+
 } // namespace
 
 WriteOutcome removeEntry(int entryId)
@@ -51,14 +71,15 @@ WriteOutcome removeEntry(int entryId)
     if (!files.errorText.isEmpty()) {
         return { false, files.errorText };
     }
+    const WriteOutcome rehearsal = rehearse(entryId);
+    if (!rehearsal.done) {
+        return rehearsal;
+    }
     const QString errorText = removeCopies(files.copies, files.originals);
     if (!errorText.isEmpty()) {
         return { false, errorText };
     }
-    WriteOutcome outcome = runWrite(u"DELETE FROM loc_picture WHERE locpictureid = %1"_s.arg(entryId));
-    if (outcome.done) {
-        outcome = runWrite(u"DELETE FROM loc_seen WHERE id = %1"_s.arg(entryId));
-    }
+    WriteOutcome outcome = deleteRows(entryId);
     if (outcome.done && !transaction.commit()) {
         return { false, transaction.errorText() };
     }

@@ -19,6 +19,7 @@ public:
     [[nodiscard]] bool isOpen() const { return m_open; }
 
     /// Whether the file can be written right now: BEGIN alone succeeds on a read-only file and on a full disk.
+    /// Afterwards the file's first page, which each commit writes, has its place in the journal.
     [[nodiscard]] bool provesWritable();
 
     /// On failure everything is rolled back, for SQLite would keep the transaction open and lose what follows.
