@@ -11,8 +11,8 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-/// Half a surrogate pair, as a careless copy brings it, SQLite would read together with the letter behind it; a swapped
-/// byte order mark at the start is an order to it to swap the bytes of all letters. Either would garble a text.
+/// Half a surrogate pair, as a careless copy brings it, SQLite would read together with the letter behind it. A byte
+/// order mark at the start it would take for an order and drop; a swapped one would swap the bytes of all letters.
 QVariant storable(const QVariant &value)
 {
     if (value.typeId() != QMetaType::QString) {
@@ -21,6 +21,9 @@ QVariant storable(const QVariant &value)
     QString text = value.toString();
     if (!text.isValidUtf16()) {
         text = QString::fromStdU32String(U'x' + text.toStdU32String()).sliced(1); // a mark at the start would go
+    }
+    if (text.startsWith(QChar(QChar::ByteOrderMark))) {
+        text.prepend(QChar(QChar::ByteOrderMark)); // of two only the first one is dropped
     }
     if (text.startsWith(QChar(QChar::ByteOrderSwapped))) {
         text[0] = QChar::ReplacementCharacter;

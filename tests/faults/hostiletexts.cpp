@@ -107,7 +107,7 @@ QString asStored(const QString &text, qsizetype limit)
             stored[i] = u'\uFFFD';
         }
     }
-    return stored.startsWith(u'\uFEFF') ? stored.sliced(1) : stored;
+    return stored;
 }
 
 QString onCanvas(QString stored)

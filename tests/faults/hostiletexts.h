@@ -29,7 +29,7 @@ void pasteInto(QTextEdit *edit, const QString &text);
 [[nodiscard]] QString commentOnOneLine(QString typed);
 
 /// How the database holds the first `limit` characters of a text: what is no letter, like half a surrogate pair, is the
-/// sign for that, and a mark of the byte order, which nobody sees, is gone from the start.
+/// sign for that.
 [[nodiscard]] QString asStored(const QString &text, qsizetype limit);
 
 /// How the canvas and the group buttons show a stored text: nothing in it breaks the line.
