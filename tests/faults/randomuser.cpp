@@ -24,6 +24,15 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
+// A catalogue that grew for ever would make the program's memory grow as well.
+constexpr int MostEntries = 300;
+constexpr int MostRows = 15; // in the list of the groups, or of a group's classes
+
+bool hasRoom(const QWidget *form)
+{
+    return form->findChild<QTableView *>()->model()->rowCount() < MostRows;
+}
+
 void leave(QWidget *form)
 {
     for (int i = 0; i < 2 && form->isVisible(); ++i) {
@@ -166,7 +175,7 @@ void RandomUser::answerOptions(QWidget *options)
             box->setCurrentIndex(m_random.bounded(box->count()));
         }
     }
-    if (works(30) || (m_manner == LookOnly && chance(10))) {
+    if ((works(30) && countEntries() < MostEntries) || (m_manner == LookOnly && chance(10))) {
         DialogAnswerer::click(options, u"Neue Lok"_s);
     }
     if (chance(90) && DialogAnswerer::click(options, u"Suchen"_s)) {
@@ -213,7 +222,7 @@ void RandomUser::answerPicture(QWidget *form)
 
 void RandomUser::answerGroups(QWidget *form)
 {
-    if (works(15)) {
+    if (works(15) && hasRoom(form)) {
         type(form, u"nameEdit"_s, 45);
         DialogAnswerer::click(form, u"Bild zuweisen"_s);
         DialogAnswerer::click(form, u"Speichern"_s);
@@ -239,7 +248,7 @@ void RandomUser::answerMove(QWidget *form)
 
 void RandomUser::answerClasses(QWidget *form)
 {
-    if (works(30)) {
+    if (works(30) && hasRoom(form)) {
         type(form, u"nameEdit"_s, 45);
         DialogAnswerer::click(form, u"Speichern"_s);
     }
