@@ -6,6 +6,7 @@
 #include "forms/locmodelform.h"
 #include "forms/locpictureform.h"
 #include "forms/locseenform.h"
+#include "store/statement.h"
 #include "tests/faults/faultfolder.h"
 #include "tests/faults/hostiletexts.h"
 #include "tests/support/browserwindow.h"
@@ -18,7 +19,6 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QScopeGuard>
-#include <QSqlQuery>
 #include <QTableView>
 #include <QTest>
 
@@ -267,15 +267,14 @@ void TestShownHostileTexts::picturePathsAreShownAsTheyAre()
     QHash<int, QString> copies;
     QHash<int, QString> originals;
     for (int i = 0; i < share(500, 2000); ++i) {
-        QSqlQuery query;
-        QVERIFY(query.prepare(u"INSERT INTO loc_picture (pictAuxPath, pictOrigPath, pictHeight, pictWidth, "
-                              "locpictureid) VALUES (?, ?, 1, 1, 1)"_s));
         const QString copy = asStored(hostileText(random), 5000);
         const QString original = asStored(u"/media/"_s + hostileText(random), 5000);
-        query.addBindValue(copy);
-        query.addBindValue(original);
-        QVERIFY(query.exec());
-        const int id = query.lastInsertId().toInt();
+        const WriteOutcome outcome
+            = executeWrite(u"INSERT INTO loc_picture (pictAuxPath, pictOrigPath, pictHeight, pictWidth, "
+                           "locpictureid) VALUES (:copy, :original, 1, 1, 1)"_s,
+                { { u":copy"_s, copy }, { u":original"_s, original } });
+        QVERIFY2(outcome.done, qPrintable(outcome.errorText));
+        const int id = outcome.newId;
         copies.insert(id, copy);
         originals.insert(id, original);
     }
