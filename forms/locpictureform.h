@@ -39,8 +39,8 @@ public:
     /// Empties both paths; a chosen picture that was not saved is forgotten.
     void clearInputs();
 
-    /// Deletes the row and, unless `keepCopy`, the copy. Nothing happens when there is no such row. A failure is told to
-    /// the user; false then.
+    /// Deletes the row and, unless `keepCopy`, the copy. Nothing happens when there is no such row. A failure is told
+    /// to the user; false then.
     static bool deletePicture(int pictureId, bool keepCopy, QWidget *parent = nullptr);
 
 public Q_SLOTS:

@@ -71,7 +71,7 @@ WriteOutcome removeEntry(int entryId)
     if (!files.errorText.isEmpty()) {
         return { false, files.errorText };
     }
-    const WriteOutcome rehearsal = rehearse(entryId);
+    WriteOutcome rehearsal = rehearse(entryId);
     if (!rehearsal.done) {
         return rehearsal;
     }
