@@ -1,3 +1,4 @@
+#include "app/startup.h"
 #include "browser/picturescene.h"
 #include "store/colorsetting.h"
 #include "tests/faults/faultfolder.h"
@@ -108,6 +109,7 @@ void TestSoak::nothingGrowsAndNothingIsLeftOver()
     const ForkedRun::End end = runForked(
         [&] {
             QDir::setCurrent(m_folder.path(u"work"_s));
+            Startup::dress(); // with it the limits that the program sets itself
             RandomUser user(seed, RandomUser::Work, m_folder.path(u"photographs"_s));
             double secondTenth = 0;
             double lastTenth = 0;
