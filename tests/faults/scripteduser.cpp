@@ -147,7 +147,7 @@ void ScriptedUser::store(QWidget *form, const QString &button, const QString &wh
     }
 }
 
-QObject *ScriptedUserPlugin::create(const QString &key, const QString &specification)
+QObject *ScriptedUserPlugin::create(const QString &key, const QString &option)
 {
-    return key == u"scripteduser"_s ? new ScriptedUser(specification) : nullptr;
+    return key == u"scripteduser"_s ? new ScriptedUser(option) : nullptr;
 }
