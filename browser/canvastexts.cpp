@@ -1,6 +1,6 @@
 #include "browser/canvastexts.h"
 
-#include "store/textcut.h"
+#include "search/textcut.h"
 
 #include <QCoreApplication>
 

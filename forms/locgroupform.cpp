@@ -5,10 +5,10 @@
 #include "forms/picturepreview.h"
 #include "forms/rowlist.h"
 #include "search/messagebox.h"
+#include "search/textcut.h"
 #include "store/catalogquery.h"
 #include "store/rowvalue.h"
 #include "store/statement.h"
-#include "store/textcut.h"
 
 #include <QLineEdit>
 #include <QPushButton>
@@ -22,11 +22,6 @@ namespace {
 QString groupPictureFolder()
 {
     return u"AuxFolder"_s; // keeps group pictures out of the numbered folders and of the statistics
-}
-
-QString missingGroupText()
-{
-    return LocGroupForm::tr("Die Gruppe ist nicht mehr vorhanden, sie wurde inzwischen gelöscht.");
 }
 
 } // namespace
@@ -78,14 +73,12 @@ void LocGroupForm::moveToGroup()
     if (groupId == 0) {
         return;
     }
-    const NeededRow group { u"SELECT COUNT(*) FROM locomotive WHERE id = %1"_s.arg(groupId), missingGroupText() };
-    const WriteOutcome outcome = executeWrite(
-        u"UPDATE loc_model SET locid = :lid WHERE id = %1"_s.arg(m_modelId), { { u":lid"_s, groupId } }, group);
+    const WriteOutcome outcome = executeWrite(u"UPDATE loc_model SET locid = :lid WHERE id = %1"_s.arg(m_modelId),
+        { { u":lid"_s, groupId } }, neededGroup(groupId));
     if (!outcome.done) {
         MessageBox::information(this, tr("DB-Update"), outcome.errorText);
     } else if (outcome.rows == 0) {
-        MessageBox::information(
-            this, tr("DB-Update"), tr("Die Baureihe ist nicht mehr vorhanden, sie wurde inzwischen gelöscht."));
+        MessageBox::information(this, tr("DB-Update"), neededModel(m_modelId).missingText);
     } else {
         m_saveButton->setEnabled(false); // the sign that the class has moved
     }
@@ -135,7 +128,8 @@ void LocGroupForm::changeLocPicture()
     const WriteOutcome outcome = executeWrite(
         u"UPDATE locomotive SET pictPath = :pict WHERE id = %1"_s.arg(groupId), { { u":pict"_s, path } });
     if (!outcome.done || outcome.rows == 0) {
-        MessageBox::information(this, tr("DB-Update"), outcome.done ? missingGroupText() : outcome.errorText);
+        MessageBox::information(
+            this, tr("DB-Update"), outcome.done ? neededGroup(groupId).missingText : outcome.errorText);
         dropPicture(pictureId, path);
     }
     m_groupList->refresh();

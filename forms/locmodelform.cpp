@@ -6,10 +6,10 @@
 #include "forms/locgroupform.h"
 #include "forms/rowlist.h"
 #include "search/messagebox.h"
+#include "search/textcut.h"
 #include "store/catalogquery.h"
 #include "store/rowvalue.h"
 #include "store/statement.h"
-#include "store/textcut.h"
 
 #include <QBoxLayout>
 #include <QDialogButtonBox>
@@ -38,7 +38,7 @@ LocModelForm::LocModelForm(int groupId, QWidget *parent)
 {
     buildWidgets();
     connectWidgets();
-    const NeededRow group = neededGroup();
+    const NeededRow group = neededGroup(m_groupId);
     if (reasonAgainst(group) == group.missingText) { // when it cannot be found out now, saving asks once more
         refuseNewModels();
     }
@@ -52,7 +52,8 @@ void LocModelForm::checktextEdits()
 void LocModelForm::addModel()
 {
     const WriteOutcome outcome = executeWrite(u"INSERT INTO loc_model (modelname, locid) VALUES (:modnam, :locid) "_s,
-        { { u":modnam"_s, cutText(m_nameEdit->text(), TextLimit::Name) }, { u":locid"_s, m_groupId } }, neededGroup());
+        { { u":modnam"_s, cutText(m_nameEdit->text(), TextLimit::Name) }, { u":locid"_s, m_groupId } },
+        neededGroup(m_groupId));
     if (outcome.done) {
         m_modelList->refresh();
         m_modelList->showRow(outcome.newId);
@@ -167,12 +168,6 @@ void LocModelForm::connectWidgets()
     connect(m_modelList, &RowList::rowChosen, this, &LocModelForm::getTableViewIndex);
     connect(m_moveButton, &QPushButton::clicked, this, &LocModelForm::moveModel);
     connect(m_deleteButton, &QPushButton::clicked, this, &LocModelForm::deleteModel);
-}
-
-NeededRow LocModelForm::neededGroup() const
-{
-    return { u"SELECT COUNT(*) FROM locomotive WHERE id = %1"_s.arg(m_groupId),
-        tr("Die Gruppe ist nicht mehr vorhanden, sie wurde inzwischen gelöscht.") };
 }
 
 void LocModelForm::refuseNewModels()

@@ -7,7 +7,6 @@ class QLayout;
 class QLineEdit;
 class QPushButton;
 class RowList;
-struct NeededRow;
 
 /// Maintains the classes of one group: adds a class, moves one into another group, deletes one without entries.
 /// For a group that does not exist it lists nothing and refuses new classes, which nobody would ever see again.
@@ -30,7 +29,6 @@ private:
     QLayout *buildNameRow();
     QGroupBox *buildList();
     void connectWidgets();
-    [[nodiscard]] NeededRow neededGroup() const;
     void refuseNewModels();
 
     int m_groupId;

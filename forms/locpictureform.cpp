@@ -6,9 +6,9 @@
 #include "forms/picturepreview.h"
 #include "search/folderlister.h"
 #include "search/messagebox.h"
+#include "search/textcut.h"
 #include "store/colorsetting.h"
 #include "store/copyfile.h"
-#include "store/textcut.h"
 
 #include <QDebug>
 #include <QDir>
@@ -243,7 +243,7 @@ void LocPictureForm::updateStored()
         return;
     }
     if (replaced) {
-        removeCopy(m_storedPicture.copyPath, m_storedPicture.originalPath);
+        removeReplacedCopy(m_storedPicture);
     }
     settle();
 }

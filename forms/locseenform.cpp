@@ -4,9 +4,9 @@
 #include "forms/picturepreview.h"
 #include "forms/picturetable.h"
 #include "search/messagebox.h"
+#include "search/textcut.h"
 #include "store/catalogquery.h"
 #include "store/rowvalue.h"
-#include "store/textcut.h"
 
 #include <QDateEdit>
 #include <QLineEdit>

@@ -1,8 +1,8 @@
 #include "forms/locseenform.h"
 
 #include "search/messagebox.h"
+#include "search/textcut.h"
 #include "store/statement.h"
-#include "store/textcut.h"
 #include "store/transaction.h"
 
 #include <QDateEdit>
@@ -21,11 +21,6 @@ using namespace Qt::StringLiterals;
 // How what was typed gets into the database.
 
 namespace {
-
-QString vanishedEntryText()
-{
-    return LocseenForm::tr("Der Eintrag ist nicht mehr vorhanden, er wurde inzwischen gelöscht.");
-}
 
 /// The comment on one line, as the canvas and the lists show it.
 QString storedComment(QString text)
@@ -83,15 +78,13 @@ QSqlRecord LocseenForm::editedRow(const QSqlRecord &stored) const
 void LocseenForm::insertEntry()
 {
     const QSqlRecord row = fieldValues();
-    const NeededRow model { u"SELECT COUNT(*) FROM loc_model WHERE id = %1"_s.arg(m_modelId),
-        tr("Die Baureihe ist nicht mehr vorhanden, sie wurde inzwischen gelöscht.") };
     const WriteOutcome outcome
         = executeWrite(u"INSERT INTO loc_seen (nummer, locseenid, ort, kommentar, startdate, locseendate) "
                        "VALUES (:num, :lsid, :ort, :kmt, :sdate, :lsdate)"_s,
             { { u":num"_s, row.value(u"nummer"_s) }, { u":lsid"_s, m_modelId }, { u":ort"_s, row.value(u"ort"_s) },
                 { u":kmt"_s, row.value(u"kommentar"_s) }, { u":sdate"_s, m_startDateEdit->date() },
                 { u":lsdate"_s, row.value(u"locseendate"_s) } },
-            model);
+            neededModel(m_modelId));
     if (outcome.done) {
         m_entryId = outcome.newId;
         m_row = row;
@@ -118,7 +111,7 @@ WriteOutcome LocseenForm::storeEdits()
     QSqlQuery stored(u"SELECT * FROM loc_seen WHERE id = %1"_s.arg(m_entryId));
     if (!stored.next()) { // what this window has read before must not be written over what another one has stored
         const bool couldBeRead = !stored.lastError().isValid();
-        return { false, couldBeRead ? vanishedEntryText() : stored.lastError().text() };
+        return { false, couldBeRead ? neededEntry(m_entryId).missingText : stored.lastError().text() };
     }
     const QSqlRecord row = editedRow(stored.record());
     stored.finish();
@@ -131,7 +124,7 @@ WriteOutcome LocseenForm::storeEdits()
         return outcome;
     }
     if (outcome.rows == 0) {
-        return { false, vanishedEntryText() };
+        return { false, neededEntry(m_entryId).missingText };
     }
     if (!transaction.commit()) {
         return { false, transaction.errorText() };

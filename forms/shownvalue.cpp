@@ -1,6 +1,6 @@
 #include "forms/shownvalue.h"
 
-#include "store/textcut.h"
+#include "search/textcut.h"
 
 #include <QTextDocument>
 

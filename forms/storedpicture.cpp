@@ -55,25 +55,6 @@ PictureOutcome outcomeOfFailedCommit(const QString &errorText, int newId, const 
     return { PictureOutcome::StatementFailed, errorText, 0 };
 }
 
-/// What a picture hangs under; a group's picture needs nothing.
-std::optional<NeededRow> neededEntry(int entryId)
-{
-    if (entryId == -1) {
-        return {};
-    }
-    return NeededRow { u"SELECT COUNT(*) FROM loc_seen WHERE id = %1"_s.arg(entryId),
-        QCoreApplication::translate(
-            "StoredPicture", "Der Eintrag ist nicht mehr vorhanden, er wurde inzwischen gelöscht.") };
-}
-
-/// The row alone, inside a transaction. A second window may have deleted what it changes or hangs under.
-WriteOutcome writeRow(const QString &statement, const QList<BoundValue> &values, const std::optional<NeededRow> &needed)
-{
-    const QString reason = needed ? reasonAgainst(*needed) : QString();
-    WriteOutcome row = reason.isEmpty() ? runWrite(statement, values) : WriteOutcome { false, reason };
-    return row.done && row.rows < 1 ? WriteOutcome { false, vanishedPictureText() } : row;
-}
-
 /// The file is written before the row is committed, so that a crash in between leaves no row without its file.
 PictureOutcome store(const QString &statement, const QList<BoundValue> &values, const StoredPicture &picture,
     const QImage &copy, const std::optional<NeededRow> &needed = {})
@@ -82,9 +63,12 @@ PictureOutcome store(const QString &statement, const QList<BoundValue> &values, 
     if (!transaction.isOpen()) {
         return { PictureOutcome::StatementFailed, transaction.errorText(), 0 };
     }
-    const WriteOutcome row = writeRow(statement, values, needed);
+    const WriteOutcome row = runWrite(statement, values, needed);
     if (!row.done) {
         return { PictureOutcome::StatementFailed, row.errorText, 0 };
+    }
+    if (row.rows < 1) { // a second window has deleted it
+        return { PictureOutcome::StatementFailed, vanishedPictureText(), 0 };
     }
     if (!copy.isNull() && !writeCopy(copy, picture.copyPath)) {
         return { PictureOutcome::FileFailed, {}, 0 };
@@ -134,9 +118,10 @@ PictureOutcome insertPicture(const StoredPicture &picture, const QImage &copy)
 {
     QList<BoundValue> values = boundValues(picture);
     values.append({ u":lpi"_s, picture.entryId });
+    const bool isOfGroup = picture.entryId == -1;
     return store(u"INSERT INTO loc_picture (pictAuxPath, pictOrigPath, pictHeight, pictWidth, locpictureid) "
                  "VALUES (:pap, :pop, :phe, :pwi, :lpi)"_s,
-        values, picture, copy, neededEntry(picture.entryId));
+        values, picture, copy, isOfGroup ? std::nullopt : std::optional(neededEntry(picture.entryId)));
 }
 
 PictureOutcome updatePicture(int id, const StoredPicture &picture, const QImage &copy)
@@ -149,6 +134,13 @@ PictureOutcome updatePicture(int id, const StoredPicture &picture, const QImage 
 bool mayBelongToGroup(const QString &copyPath)
 {
     return countRowsWith(copyPath, u"locomotive"_s, u"pictPath"_s) != 0;
+}
+
+void removeReplacedCopy(const StoredPicture &former)
+{
+    if (countRowsWith(former.copyPath, u"loc_picture"_s, u"pictAuxPath"_s) == 0 && !mayBelongToGroup(former.copyPath)) {
+        removeCopy(former.copyPath, former.originalPath);
+    }
 }
 
 QString removePicture(int id, const StoredPicture &picture, bool keepCopy)

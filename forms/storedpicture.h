@@ -46,6 +46,10 @@ struct PictureReading
 /// Whether a group has this copy as its picture, also when that cannot be found out.
 [[nodiscard]] bool mayBelongToGroup(const QString &copyPath);
 
+/// Removes the copy that a picture had before it was given another one. It stays when a row still names it, also when
+/// that cannot be found out.
+void removeReplacedCopy(const StoredPicture &former);
+
 /// Deletes the row and then, unless `keepCopy`, the copy. Returns the driver's text when that failed, and a text of its
 /// own when there was no such row; the copy stays then. Else an empty text.
 [[nodiscard]] QString removePicture(int id, const StoredPicture &picture, bool keepCopy);

@@ -1,5 +1,7 @@
 #include "search/messagebox.h"
 
+#include "search/textcut.h"
+
 #include <QCoreApplication>
 #include <QKeyEvent>
 #include <QPushButton>
@@ -7,17 +9,6 @@
 using namespace Qt::StringLiterals;
 
 namespace {
-
-constexpr qsizetype LongestText = 300; // characters
-
-QString shownText(const QString &text)
-{
-    if (text.size() <= LongestText) {
-        return text;
-    }
-    const bool splitsPair = text.at(LongestText - 1).isHighSurrogate();
-    return text.left(splitsPair ? LongestText - 1 : LongestText) + u'…';
-}
 
 void prepare(QMessageBox &box, const QString &title, const QString &text)
 {

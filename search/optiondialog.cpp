@@ -6,10 +6,10 @@
 #include "search/messagebox.h"
 #include "search/searchchoice.h"
 #include "search/startposition.h"
+#include "search/textcut.h"
 #include "store/catalogquery.h"
 #include "store/colorsetting.h"
 #include "store/rowvalue.h"
-#include "store/textcut.h"
 
 #include <QBoxLayout>
 #include <QComboBox>

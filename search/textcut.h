@@ -21,12 +21,12 @@ constexpr qsizetype Comment = 198;
     return text.left(splitsPair ? limit - 1 : limit);
 }
 
-/// A stored text for a list, a field or a tool tip. Laying out millions of letters, as no form can have stored them,
-/// would take minutes.
+/// A stored text for a list, a field, a tool tip or a message box. Laying out millions of letters, as no form can have
+/// stored them, would take minutes.
 [[nodiscard]] inline QString shownText(const QString &text)
 {
     constexpr qsizetype Longest = 300; // characters
-    return text.size() <= Longest ? text : cutText(text, Longest) + u'\u2026';
+    return text.size() <= Longest ? text : cutText(text, Longest) + u'…';
 }
 
 /// A stored text for a question to the user: what no form could have stored is cut, so that the question that goes on
@@ -34,5 +34,5 @@ constexpr qsizetype Comment = 198;
 [[nodiscard]] inline QString shortened(const QString &text)
 {
     constexpr qsizetype Longest = 60; // characters
-    return text.size() <= Longest ? text : cutText(text, Longest) + u'\u2026';
+    return text.size() <= Longest ? text : cutText(text, Longest) + u'…';
 }

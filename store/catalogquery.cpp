@@ -2,10 +2,10 @@
 
 #include "search/messagebox.h"
 #include "search/messagedialog.h"
+#include "search/textcut.h"
 #include "store/entryremoval.h"
 #include "store/rowvalue.h"
 #include "store/statement.h"
-#include "store/textcut.h"
 
 #include <QCoreApplication>
 #include <QDebug>

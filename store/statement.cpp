@@ -33,8 +33,21 @@ QVariant storable(const QVariant &value)
 
 } // namespace
 
-WriteOutcome runWrite(const QString &statement, const QList<BoundValue> &values)
+QString reasonAgainst(const NeededRow &needed)
 {
+    QSqlQuery count;
+    if (!count.exec(needed.countStatement) || !count.next()) {
+        return count.lastError().text();
+    }
+    return count.value(0).toLongLong() == 0 ? needed.missingText : QString();
+}
+
+WriteOutcome runWrite(const QString &statement, const QList<BoundValue> &values, const std::optional<NeededRow> &needed)
+{
+    const QString reason = needed ? reasonAgainst(*needed) : QString();
+    if (!reason.isEmpty()) {
+        return { false, reason };
+    }
     QSqlQuery query;
     if (!query.prepare(statement)) {
         return { false, query.lastError().text() };
@@ -53,15 +66,6 @@ WriteOutcome runWrite(const QString &statement, const QList<BoundValue> &values)
     return { true, {}, newId, query.numRowsAffected() };
 }
 
-QString reasonAgainst(const NeededRow &needed)
-{
-    QSqlQuery count;
-    if (!count.exec(needed.countStatement) || !count.next()) {
-        return count.lastError().text();
-    }
-    return count.value(0).toLongLong() == 0 ? needed.missingText : QString();
-}
-
 WriteOutcome executeWrite(
     const QString &statement, const QList<BoundValue> &values, const std::optional<NeededRow> &needed)
 {
@@ -69,11 +73,7 @@ WriteOutcome executeWrite(
     if (!transaction.isOpen()) {
         return { false, transaction.errorText() };
     }
-    const QString reason = needed ? reasonAgainst(*needed) : QString();
-    if (!reason.isEmpty()) {
-        return { false, reason };
-    }
-    WriteOutcome outcome = runWrite(statement, values);
+    WriteOutcome outcome = runWrite(statement, values, needed);
     if (outcome.done && !transaction.commit()) {
         return { false, transaction.errorText() };
     }

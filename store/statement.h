@@ -1,5 +1,7 @@
 #pragma once
 
+#include "store/neededrow.h"
+
 #include <QList>
 #include <QString>
 #include <QVariant>
@@ -21,23 +23,17 @@ struct WriteOutcome
     int rows = 0; // that the statement changed
 };
 
-/// Prepares, binds and executes one statement without a transaction of its own. An INSERT whose id does not fit 32 bits
-/// has failed, and whoever has begun the transaction must not commit it.
-[[nodiscard]] WriteOutcome runWrite(const QString &statement, const QList<BoundValue> &values = {});
-
-/// A row that must be there for a write to make sense: what hangs under a deleted row, nobody would ever see again.
-struct NeededRow
-{
-    QString countStatement; // yields 0 when the row is gone
-    QString missingText; // tells the user so
-};
-
 /// Why nothing can be written under the row: its own text when it is gone, the driver's when that cannot be found out.
-/// Empty when the row is there. To be asked inside the transaction that writes.
+/// Empty when the row is there.
 [[nodiscard]] QString reasonAgainst(const NeededRow &needed);
 
-/// runWrite() in a transaction that ends with the statement. Where a row is needed and gone, nothing is written and the
-/// error text is that of the row.
+/// Prepares, binds and executes one statement without a transaction of its own. An INSERT whose id does not fit 32 bits
+/// has failed, and whoever has begun the transaction must not commit it. Where a row is needed and gone, nothing is
+/// written and the error text is that of the row.
+[[nodiscard]] WriteOutcome runWrite(
+    const QString &statement, const QList<BoundValue> &values = {}, const std::optional<NeededRow> &needed = {});
+
+/// runWrite() in a transaction that ends with the statement.
 [[nodiscard]] WriteOutcome executeWrite(
     const QString &statement, const QList<BoundValue> &values = {}, const std::optional<NeededRow> &needed = {});
 

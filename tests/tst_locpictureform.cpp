@@ -168,6 +168,8 @@ private Q_SLOTS:
     void openingAndClosingRewritesNothing_data();
     void openingAndClosingRewritesNothing();
     void replacedPictureChangesItsRow();
+    void replacedCopyStaysWhileAnotherRowHasIt_data();
+    void replacedCopyStaysWhileAnotherRowHasIt();
     void replacementThatWasNotSavedIsStoredOnClosing();
     void failedReplacementIsToldAndTheFormCloses();
     void clearedPathsAreWrittenOnClosing();
@@ -843,6 +845,27 @@ void TestLocPictureForm::replacedPictureChangesItsRow()
     QVERIFY(!QFile::exists(former));
     QCOMPARE(copies(), QStringList(form.copyPath()));
     QVERIFY(QFile::exists(m_catalogue->path(u"source1.jpg"_s)));
+}
+
+void TestLocPictureForm::replacedCopyStaysWhileAnotherRowHasIt_data()
+{
+    QTest::addColumn<QString>("statement");
+    QTest::newRow("picture") << u"INSERT INTO loc_picture (pictAuxPath, locpictureid) "
+                                "SELECT pictAuxPath, 2 FROM loc_picture"_s;
+    QTest::newRow("group") << u"INSERT INTO locomotive (name, pictPath) SELECT 'g', pictAuxPath FROM loc_picture"_s;
+}
+
+void TestLocPictureForm::replacedCopyStaysWhileAnotherRowHasIt()
+{
+    QFETCH(const QString, statement);
+    const int picture = m_catalogue->addPicture(Entry);
+    const QString former = column(u"pictAuxPath"_s);
+    run(statement);
+    LocPictureForm form(Entry, picture);
+    choose(form);
+    press(form, u"saveButton"_s);
+    QVERIFY(form.copyPath() != former);
+    QVERIFY(QFile::exists(former));
 }
 
 void TestLocPictureForm::replacementThatWasNotSavedIsStoredOnClosing()

@@ -1,5 +1,5 @@
+#include "search/textcut.h"
 #include "store/pictureloader.h"
-#include "store/textcut.h"
 #include "tests/support/cataloguecheck.h"
 #include "tests/support/testmain.h"
 

@@ -1,6 +1,6 @@
 #include "bench/sample/sampleplan.h"
 
-#include "store/textcut.h"
+#include "search/textcut.h"
 
 #include <algorithm>
 #include <array>

@@ -1,0 +1,14 @@
+#pragma once
+
+#include <QString>
+
+/// A row that must be there for a write to make sense: what hangs under a deleted row, nobody would ever see again.
+struct NeededRow
+{
+    QString countStatement; // yields 0 when the row is gone
+    QString missingText; // tells the user so
+};
+
+[[nodiscard]] NeededRow neededGroup(int groupId);
+[[nodiscard]] NeededRow neededModel(int modelId);
+[[nodiscard]] NeededRow neededEntry(int entryId);
