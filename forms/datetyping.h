@@ -17,8 +17,10 @@ namespace DateTyping {
 /// `thisYear` that ends in them. None when there is no such day.
 [[nodiscard]] std::optional<QDate> typedDate(const QString &typed, const QDate &base, int thisYear);
 
-/// Lets the field take a date that is typed from its day on. By itself it leaves the day after two digits, and the
-/// point that follows then skips the month: "05.06.2020" would become the 5th of another month and year.
+/// Lets the field take a date that is typed or pasted. By itself it leaves the day after two digits, and the point that
+/// follows then skips the month: "05.06.2020" would become the 5th of another month and year. Where a month or a year
+/// is marked, what is typed goes on from there. What is no day leaves the date as it was, and a tip below the field
+/// says so.
 void install(QDateEdit *edit);
 
 } // namespace DateTyping

@@ -3,11 +3,13 @@
 #include "tests/support/testmain.h"
 
 #include <QApplication>
+#include <QClipboard>
 #include <QDateEdit>
 #include <QHBoxLayout>
 #include <QLineEdit>
 #include <QSignalSpy>
 #include <QTest>
+#include <QToolTip>
 
 #include <memory>
 
@@ -37,16 +39,26 @@ private Q_SLOTS:
     void backspaceTakesTheLastSignBack();
     void noSuchDayLeavesTheDate_data();
     void noSuchDayLeavesTheDate();
+    void impossibleDayIsToldWhileItIsTyped();
     void clickEndsTyping();
     void clickIntoTheFieldTakesAWholeDate();
     void secondClickChoosesAPart();
-    void otherPartsAreTypedAsBefore();
+    void clickedYearIsTypedAlone();
+    void nextDateReplacesTheFirst_data();
+    void nextDateReplacesTheFirst();
+    void shiftDoesNotEndTyping();
+    void tabLeadsToTheNextPart();
+    void pastedDateIsTaken();
+    void badDateIsToldAfterTheFormHasClosed();
+    void markedPartsAreTypedAlone_data();
+    void markedPartsAreTypedAlone();
     void arrowsStepAsBefore();
 
 private:
     [[nodiscard]] QString shown() const { return m_edit->findChild<QLineEdit *>()->text(); }
     void type(const QString &keys) { QTest::keyClicks(m_edit, keys); }
     void clickYear();
+    void leave();
 
     std::unique_ptr<QWidget> m_form;
     QDateEdit *m_edit = nullptr;
@@ -76,6 +88,7 @@ void TestDateTyping::init()
 void TestDateTyping::cleanup()
 {
     m_form.reset();
+    QToolTip::hideText();
     Clock::setSource({});
 }
 
@@ -84,6 +97,15 @@ void TestDateTyping::clickYear()
     auto *text = m_edit->findChild<QLineEdit *>();
     const int x = text->fontMetrics().horizontalAdvance(u"22.11.19"_s) + 3;
     QTest::mouseClick(text, Qt::LeftButton, {}, QPoint(x, text->height() / 2));
+}
+
+/// With as many Tabs as there are parts to be left.
+void TestDateTyping::leave()
+{
+    for (int i = 0; i < 3 && m_edit->hasFocus(); ++i) {
+        QTest::keyClick(m_edit, Qt::Key_Tab);
+    }
+    QVERIFY(!m_edit->hasFocus());
 }
 
 void TestDateTyping::typedDates_data()
@@ -138,10 +160,14 @@ void TestDateTyping::typingReplacesTheDate()
         }
         type(keys);
         QTest::keyClick(m_edit, Qt::Key_Tab);
-        QCOMPARE(m_edit->date(), date);
-        QCOMPARE(shown(), date.toString(u"dd.MM.yyyy"_s));
         const bool isComplete = date.year() != Base.year();
         QCOMPARE(m_edit->hasFocus(), !isComplete); // else month or year are next
+        if (!isComplete) {
+            QTest::keyClick(m_edit, Qt::Key_Tab);
+            QVERIFY(!m_edit->hasFocus());
+        }
+        QCOMPARE(m_edit->date(), date);
+        QCOMPARE(shown(), date.toString(u"dd.MM.yyyy"_s));
         m_edit->setFocus();
     }
 }
@@ -187,7 +213,7 @@ void TestDateTyping::noSuchDayLeavesTheDate_data()
 {
     QTest::addColumn<QString>("keys");
     for (const QString &keys :
-        { u"31.2.2000"_s, u"5.13.2000"_s, u"45"_s, u"5.6.202"_s, u"0.0.0000"_s, u"00000000"_s }) {
+        { u"31.2.2000"_s, u"5.13.2000"_s, u"45"_s, u"5.6.202"_s, u"0.0.0000"_s, u"00000000"_s, u"5.6.1600"_s }) {
         QTest::newRow(qUtf8Printable(keys)) << keys;
     }
 }
@@ -196,9 +222,22 @@ void TestDateTyping::noSuchDayLeavesTheDate()
 {
     QFETCH(const QString, keys);
     type(keys);
-    QTest::keyClick(m_edit, Qt::Key_Tab);
+    leave();
     QCOMPARE(m_edit->date(), Base);
     QCOMPARE(shown(), u"22.11.1985"_s);
+    QTRY_VERIFY(QToolTip::isVisible());
+    QCOMPARE(QToolTip::text(), u"„%1“ ist kein Datum. Es bleibt beim 22.11.1985."_s.arg(keys));
+}
+
+void TestDateTyping::impossibleDayIsToldWhileItIsTyped()
+{
+    type(u"31.2.200"_s);
+    QVERIFY(!QToolTip::isVisible()); // anything may come of it yet
+    type(u"0"_s);
+    QVERIFY(QToolTip::isVisible());
+    QCOMPARE(QToolTip::text(), u"„31.2.2000“ ist kein Datum. Es bleibt beim 22.11.1985."_s);
+    QTest::keyClick(m_edit, Qt::Key_Backspace);
+    QTRY_VERIFY(!QToolTip::isVisible());
 }
 
 void TestDateTyping::clickEndsTyping()
@@ -226,12 +265,116 @@ void TestDateTyping::secondClickChoosesAPart()
     QVERIFY(m_edit->findChild<QLineEdit *>()->selectedText() != shown());
 }
 
-void TestDateTyping::otherPartsAreTypedAsBefore()
+void TestDateTyping::clickedYearIsTypedAlone()
 {
-    m_edit->setSelectedSection(QDateTimeEdit::YearSection);
+    clickYear();
+    QTest::qWait(1); // what the first focus has brought about must not come later
     type(u"2001"_s);
     QTest::keyClick(m_edit, Qt::Key_Tab);
     QCOMPARE(m_edit->date(), QDate(2001, 11, 22));
+}
+
+void TestDateTyping::nextDateReplacesTheFirst_data()
+{
+    QTest::addColumn<QString>("first");
+    QTest::addColumn<int>("key");
+    QTest::newRow("after Return") << u"5.6.2020"_s << int(Qt::Key_Return);
+    QTest::newRow("after Enter") << u"5.6.20"_s << int(Qt::Key_Enter);
+    QTest::newRow("after no date") << u"31.2.2020"_s << int(Qt::Key_Return);
+    QTest::newRow("back with Tab") << u"5.6.2020"_s << int(Qt::Key_Tab);
+    QTest::newRow("nothing typed before") << QString() << int(Qt::Key_Tab);
+}
+
+void TestDateTyping::nextDateReplacesTheFirst()
+{
+    QFETCH(const QString, first);
+    QFETCH(const int, key);
+    for (const bool isQuick : { true, false }) {
+        type(first);
+        if (key == Qt::Key_Tab) {
+            leave();
+            QTest::keyClick(QApplication::focusWidget(), Qt::Key_Backtab);
+        } else {
+            QTest::keyClick(m_edit, Qt::Key(key));
+        }
+        QVERIFY(m_edit->hasFocus());
+        if (!isQuick) {
+            QTRY_COMPARE(m_edit->findChild<QLineEdit *>()->selectedText(), shown());
+        }
+        type(u"7.8.2021"_s);
+        QTest::keyClick(m_edit, Qt::Key_Return);
+        QCOMPARE(m_edit->date(), QDate(2021, 8, 7));
+    }
+}
+
+/// It stands above the 7 of German keyboards.
+void TestDateTyping::shiftDoesNotEndTyping()
+{
+    for (const char sign : { '5', '/', '6', '/', '2', '0' }) {
+        if (sign == '/') {
+            QTest::keyPress(m_edit, Qt::Key_Shift, Qt::ShiftModifier);
+            QTest::keyClick(m_edit, '/', Qt::ShiftModifier);
+            QTest::keyRelease(m_edit, Qt::Key_Shift);
+        } else {
+            QTest::keyClick(m_edit, sign);
+        }
+    }
+    QTest::keyClick(m_edit, Qt::Key_Tab);
+    QCOMPARE(m_edit->date(), QDate(2020, 6, 5));
+}
+
+void TestDateTyping::tabLeadsToTheNextPart()
+{
+    for (const QString &part : { u"5"_s, u"06"_s, u"20"_s }) {
+        QVERIFY(m_edit->hasFocus());
+        type(part);
+        QTest::keyClick(m_edit, Qt::Key_Tab);
+    }
+    QVERIFY(!m_edit->hasFocus());
+    QCOMPARE(m_edit->date(), QDate(2020, 6, 5));
+}
+
+void TestDateTyping::pastedDateIsTaken()
+{
+    QApplication::clipboard()->setText(u"05.06.2020\n"_s); // as cells of a spreadsheet are copied
+    QTest::keySequence(m_edit, QKeySequence::Paste);
+    QCOMPARE(shown(), u"05.06.2020"_s);
+    QTest::keyClick(m_edit, Qt::Key_Return);
+    QCOMPARE(m_edit->date(), QDate(2020, 6, 5));
+    QApplication::clipboard()->setText(u"gestern"_s);
+    QTest::keySequence(m_edit, QKeySequence::Paste);
+    QCOMPARE(m_edit->date(), QDate(2020, 6, 5));
+}
+
+void TestDateTyping::badDateIsToldAfterTheFormHasClosed()
+{
+    type(u"31.4.20"_s);
+    m_form.reset();
+    QTRY_COMPARE(QToolTip::text(), u"„31.4.20“ ist kein Datum. Es bleibt beim 22.11.1985."_s);
+}
+
+void TestDateTyping::markedPartsAreTypedAlone_data()
+{
+    QTest::addColumn<QDateTimeEdit::Section>("section");
+    QTest::addColumn<QString>("keys");
+    QTest::addColumn<QDate>("date");
+    QTest::newRow("day") << QDateTimeEdit::DaySection << u"5"_s << QDate(1985, 11, 5);
+    QTest::newRow("month") << QDateTimeEdit::MonthSection << u"6"_s << QDate(1985, 6, 22);
+    QTest::newRow("month and year") << QDateTimeEdit::MonthSection << u"6.2001"_s << QDate(2001, 6, 22);
+    QTest::newRow("year") << QDateTimeEdit::YearSection << u"2001"_s << QDate(2001, 11, 22);
+    QTest::newRow("short year") << QDateTimeEdit::YearSection << u"99"_s << QDate(1999, 11, 22);
+}
+
+void TestDateTyping::markedPartsAreTypedAlone()
+{
+    QFETCH(const QDateTimeEdit::Section, section);
+    QFETCH(const QString, keys);
+    QFETCH(const QDate, date);
+    QTest::keyClick(m_edit, Qt::Key_Left); // no longer the whole date
+    m_edit->setSelectedSection(section);
+    type(keys);
+    QTest::keyClick(m_edit, Qt::Key_Return);
+    QCOMPARE(m_edit->date(), date);
 }
 
 void TestDateTyping::arrowsStepAsBefore()
