@@ -3,18 +3,41 @@
 #include <QDir>
 #include <QFile>
 
+#include <cerrno>
+
 #include <fcntl.h>
 #include <unistd.h>
 
-bool syncFolder(const QString &path)
+namespace {
+
+/// 0 when it is on the disk, else the number of the error.
+int syncError(const QString &path)
 {
     const int folder = ::open(QFile::encodeName(path).constData(), O_RDONLY | O_CLOEXEC);
     if (folder < 0) {
-        return false;
+        return errno;
     }
-    const bool isSynced = fsync(folder) == 0;
+    const int error = fsync(folder) == 0 ? 0 : errno;
     ::close(folder);
-    return isSynced;
+    return error;
+}
+
+bool meansUnable(int error)
+{
+    return error == EINVAL || error == ENOSYS || error == ENOTSUP;
+}
+
+} // namespace
+
+bool syncFolder(const QString &path)
+{
+    const int error = syncError(path);
+    return error == 0 || meansUnable(error);
+}
+
+bool canSyncFolder(const QString &path)
+{
+    return !meansUnable(syncError(path));
 }
 
 void makeFolder(const QString &parentPath, const QString &name)

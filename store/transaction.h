@@ -2,6 +2,10 @@
 
 #include <QString>
 
+/// Lets SQLite tell of a commit only when it is on the disk, its end included. Where folders cannot be synced, SQLite
+/// would report each commit as failed and store it all the same, so there it is asked for less.
+[[nodiscard]] QString synchronousStatement();
+
 /// A write on the default connection that takes the write lock at once and rolls back unless commit() returned true.
 /// It shows nothing: a message box inside a transaction would keep the file locked while the user thinks.
 class Transaction final
@@ -9,7 +13,8 @@ class Transaction final
 public:
     enum class Kind {
         Write, // other programs may read meanwhile, and one that does so at the end lets the commit fail
-        Exclusive, // nobody else reads either, so that no reader can undo what is done beside the database
+        Exclusive, // nobody else reads either, so that no reader can undo what is done beside the database; and what is
+                   // written has its room on the disk before the commit
     };
 
     explicit Transaction(Kind kind = Kind::Write);
@@ -30,6 +35,7 @@ public:
 
 private:
     bool run(const QString &statement);
+    bool leaveWriteAheadLog();
 
     bool m_open = false;
     QString m_errorText;

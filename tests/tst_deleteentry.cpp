@@ -342,8 +342,7 @@ void TestDeleteEntry::failedDeletionOfPicturesKeepsTheEntry()
     script.box(u"Eintrag Entfernen"_s, question(u"11407"_s), u"Ja"_s).anyBox(u"DB-Löschen"_s);
     QVERIFY(!remove());
     QCOMPARE(script.problems(), QStringList());
-    QCOMPARE(m_catalogue->value(u"SELECT COUNT(*) FROM loc_seen"_s).toInt(), 2);
-    QCOMPARE(m_catalogue->value(u"SELECT COUNT(*) FROM loc_picture"_s).toInt(), 3);
+    expectNothingRemoved();
 }
 
 void TestDeleteEntry::failedDeletionOfTheEntryKeepsThePictureRows()
@@ -354,7 +353,7 @@ void TestDeleteEntry::failedDeletionOfTheEntryKeepsThePictureRows()
     script.box(u"Eintrag Entfernen"_s, question(u"11407"_s), u"Ja"_s).anyBox(u"DB-Löschen"_s);
     QVERIFY(!remove());
     QCOMPARE(script.problems(), QStringList());
-    QCOMPARE(m_catalogue->value(u"SELECT COUNT(*) FROM loc_picture"_s).toInt(), 3);
+    expectNothingRemoved();
 }
 
 BAHNITO_TEST_MAIN(TestDeleteEntry)

@@ -1,6 +1,7 @@
 #include "store/database.h"
 #include "store/statement.h"
 #include "store/transaction.h"
+#include "tests/support/otherconnection.h"
 #include "tests/support/testcatalogue.h"
 #include "tests/support/testmain.h"
 
@@ -27,6 +28,7 @@ private Q_SLOTS:
     void anotherWriterStopsItAtTheBeginning();
     void readerStopsAnExclusiveOneAtTheBeginning();
     void durabilityIsSetWhenTheFileWasLockedWhileOpening();
+    void exclusiveOneLeavesTheWriteAheadLog();
     void usedRowIsNotDeleted();
     void failedCountStopsADeletion();
 
@@ -101,6 +103,21 @@ void TestTransaction::durabilityIsSetWhenTheFileWasLockedWhileOpening()
     QCOMPARE(m_catalogue->value(u"PRAGMA synchronous"_s).toInt(), 2); // what opening could not set
     QVERIFY(executeWrite(u"UPDATE settings SET value = 1"_s).done);
     QCOMPARE(m_catalogue->value(u"PRAGMA synchronous"_s).toInt(), 3);
+}
+
+/// With a log written ahead others would go on reading, and only the commit would ask for room on the disk.
+void TestTransaction::exclusiveOneLeavesTheWriteAheadLog()
+{
+    QCOMPARE(m_catalogue->value(u"PRAGMA journal_mode=WAL"_s).toString(), u"wal"_s);
+    {
+        const OtherConnection reader(u"SELECT * FROM settings"_s);
+        QVERIFY(reader.works());
+        const Transaction refused(Transaction::Kind::Exclusive);
+        QVERIFY(!refused.isOpen());
+        QVERIFY(!refused.errorText().isEmpty());
+    }
+    QVERIFY(Transaction(Transaction::Kind::Exclusive).isOpen());
+    QCOMPARE(m_catalogue->value(u"PRAGMA journal_mode"_s).toString(), u"delete"_s);
 }
 
 void TestTransaction::usedRowIsNotDeleted()
