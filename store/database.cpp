@@ -4,13 +4,16 @@
 #include "store/transaction.h"
 
 #include <QCoreApplication>
+#include <QFileInfo>
 #include <QSqlDatabase>
 #include <QSqlDriver>
 #include <QSqlError>
 #include <QSqlQuery>
 #include <QVariant>
 
+#include <algorithm>
 #include <array>
+#include <limits>
 
 #include <sqlite3.h>
 
@@ -29,14 +32,19 @@ sqlite3 *openConnection()
 }
 
 /// A view in place of a table can yield rows without end, and so can a trigger. The program makes neither, so what a
-/// file brings of them is not followed: reading such a view fails, and a trigger does nothing.
-void ignoreViewsAndTriggers()
+/// file brings of them is not followed: reading such a view fails, and a trigger does nothing. A computed column can
+/// yield gigabytes from a few bytes; nothing that is stored is longer than the file, nor a row of it with what sorting
+/// adds four times as long.
+void distrustFile()
 {
     sqlite3 *connection = openConnection();
     if (!connection) {
         qWarning("Sichten und Auslöser der Datenbank werden nicht ausgeschaltet.");
         return;
     }
+    constexpr qint64 LeastLimit = 256LL * 1024; // bytes
+    const qint64 limit = std::max(LeastLimit, 4 * QFileInfo(databasePath()).size());
+    sqlite3_limit(connection, SQLITE_LIMIT_LENGTH, int(std::min<qint64>(limit, std::numeric_limits<int>::max())));
     sqlite3_db_config(connection, SQLITE_DBCONFIG_ENABLE_VIEW, 0, nullptr);
     sqlite3_db_config(connection, SQLITE_DBCONFIG_ENABLE_TRIGGER, 0, nullptr);
 }
@@ -60,10 +68,10 @@ bool connectDatabase()
     }
     // For this connection only; none of these changes the file.
     QSqlQuery query;
-    query.exec(u"PRAGMA synchronous=EXTRA"_s);
+    query.exec(synchronousStatement());
     query.exec(u"PRAGMA trusted_schema=OFF"_s);
     query.exec(u"PRAGMA cell_size_check=ON"_s);
-    ignoreViewsAndTriggers();
+    distrustFile();
     return true;
 }
 
