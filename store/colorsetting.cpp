@@ -10,6 +10,7 @@
 #include <QSqlQuery>
 
 #include <memory>
+#include <optional>
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -26,10 +27,22 @@ std::unique_ptr<ColorSetting> &single()
     return object;
 }
 
-QColor storedBackground()
+/// 0 when there is no such row; nothing when the row could not be read.
+std::optional<int> storedValue(const QString &category, const QString &name)
+{
+    QSqlQuery query;
+    query.exec(u"SELECT * FROM settings WHERE category = '%1' AND name = '%2'"_s.arg(category, name));
+    const int value = query.next() ? query.value(u"value"_s).toInt() : 0;
+    if (query.lastError().isValid()) {
+        qDebug().noquote() << query.lastError().text();
+        return {};
+    }
+    return value;
+}
+
+QColor backgroundAt(int index)
 {
     const QList<QColor> &palette = ColorScheme::palette();
-    const int index = ColorSetting::readSetting(ColorCategory, ColorName);
     return palette.value(index, palette.first());
 }
 
@@ -66,7 +79,12 @@ void ColorSetting::saveAndRelease()
 }
 
 ColorSetting::ColorSetting()
-    : m_scheme(storedBackground())
+    : ColorSetting(storedValue(ColorCategory, ColorName))
+{ }
+
+ColorSetting::ColorSetting(const std::optional<int> &background)
+    : m_isBackgroundKnown(background.has_value())
+    , m_scheme(backgroundAt(background.value_or(0)))
     , m_families(QFontDatabase::families(QFontDatabase::Latin))
     , m_preferredFamilies { u"IrisUPC"_s, u"French Script MT"_s, u"Comic Sans MS"_s, u"Bradley Hand ITC"_s, u"Batang"_s,
         u"Arabic Typesetting"_s, u"Arial"_s }
@@ -74,7 +92,8 @@ ColorSetting::ColorSetting()
     m_fontFamily = m_preferredFamilies.first();
     const QStringList names { u"SingleOrMulti"_s, u"InclPictures"_s, u"Sort"_s };
     for (const QString &name : names) {
-        m_queryValues.append({ readSetting(QueryCategory, name), name });
+        const std::optional<int> value = storedValue(QueryCategory, name);
+        m_queryValues.append({ value.value_or(0), name, value.has_value() });
     }
 }
 
@@ -91,12 +110,7 @@ ColorSetting::~ColorSetting()
 
 int ColorSetting::readSetting(const QString &category, const QString &name)
 {
-    QSqlQuery query;
-    if (!query.exec(u"SELECT * FROM settings WHERE category = '%1' AND name = '%2'"_s.arg(category, name))) {
-        qDebug().noquote() << query.lastError().text();
-        return 0;
-    }
-    return query.next() ? query.value(u"value"_s).toInt() : 0;
+    return storedValue(category, name).value_or(0);
 }
 
 void ColorSetting::writeSetting(const QString &category, const QString &name, int value)
@@ -124,6 +138,7 @@ void ColorSetting::setQueryValue(const QString &name, int value)
     for (QueryValue &pair : m_queryValues) {
         if (pair.name == name) {
             pair.value = value;
+            pair.isKnown = true;
             return;
         }
     }
@@ -132,6 +147,7 @@ void ColorSetting::setQueryValue(const QString &name, int value)
 void ColorSetting::setBackground(const QColor &color)
 {
     m_scheme = ColorScheme(color);
+    m_isBackgroundKnown = true;
 }
 
 int ColorSetting::backgroundIndex() const
@@ -196,10 +212,13 @@ void ColorSetting::save() const
         qDebug() << transaction.errorText();
         return;
     }
-    writeSetting(ColorCategory, ColorName, backgroundIndex());
-    const QStringList names { u"SingleOrMulti"_s, u"InclPictures"_s, u"Sort"_s };
-    for (const QString &name : names) {
-        writeSetting(QueryCategory, name, queryValue(name));
+    if (m_isBackgroundKnown) {
+        writeSetting(ColorCategory, ColorName, backgroundIndex());
+    }
+    for (const QueryValue &pair : m_queryValues) {
+        if (pair.isKnown) {
+            writeSetting(QueryCategory, pair.name, pair.value);
+        }
     }
     if (!transaction.commit()) {
         qDebug() << transaction.errorText();

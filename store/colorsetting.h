@@ -9,6 +9,8 @@
 #include <QSizeF>
 #include <QStringList>
 
+#include <optional>
+
 class QGraphicsItem;
 class QGraphicsScene;
 class QGraphicsView;
@@ -32,10 +34,12 @@ struct QueryValue
 {
     int value;
     QString name;
+    bool isKnown = true; // false while the stored value could not be read and no other was chosen
 };
 
 /// The user's choices as loaded from the settings table, with the colours and fonts that follow from them and the
-/// items that stand on the canvases. Changes reach the database only in saveAndRelease().
+/// items that stand on the canvases. Changes reach the database only in saveAndRelease(); a value that could not be
+/// read is left there as it is, unless the user has made another choice.
 class ColorSetting final
 {
 public:
@@ -101,9 +105,11 @@ public:
 
 private:
     ColorSetting();
+    explicit ColorSetting(const std::optional<int> &background); // the stored index, none when it could not be read
     void save() const;
     [[nodiscard]] bool hasFont(int index) const;
 
+    bool m_isBackgroundKnown = true; // as isKnown of a query value
     ColorScheme m_scheme;
     QStringList m_families; // what the system offers for the Latin writing system
     QString m_fontFamily;

@@ -1,5 +1,6 @@
 #include "store/colorsetting.h"
 #include "store/statement.h"
+#include "tests/support/otherconnection.h"
 #include "tests/support/testcatalogue.h"
 #include "tests/support/testmain.h"
 
@@ -31,6 +32,8 @@ private Q_SLOTS:
     void settingIsWrittenOnlyWhereARowIs();
     void failedWriteIsOnlyLogged();
     void storedChoicesAreLoaded();
+    void choicesThatCouldNotBeReadStayAsTheyAre();
+    void backgroundChosenUnreadIsStored();
     void unknownChoiceYieldsTheLastOne();
     void choicesReachTheDatabaseOnlyAtTheEnd();
     void foreignBackgroundIsSavedAsTheFirst();
@@ -181,6 +184,34 @@ void TestColorSetting::storedChoicesAreLoaded()
     QCOMPARE(settings.queryValue(u"SingleOrMulti"_s), 1);
     QCOMPARE(settings.queryValue(u"InclPictures"_s), 2);
     QCOMPARE(settings.queryValue(u"Sort"_s), 3);
+}
+
+void TestColorSetting::choicesThatCouldNotBeReadStayAsTheyAre()
+{
+    for (const QString &name : { u"SingleOrMulti"_s, u"InclPictures"_s, u"Sort"_s, u"BG_COLOR"_s }) {
+        store(name, 2);
+    }
+    {
+        const OtherConnection other(u"BEGIN EXCLUSIVE"_s);
+        QVERIFY(other.works());
+        QCOMPARE(ColorSetting::instance().queryValue(u"InclPictures"_s), 0);
+    }
+    ColorSetting::instance().setQueryValue(u"Sort"_s, 1);
+    ColorSetting::saveAndRelease();
+    QCOMPARE(stored(u"SingleOrMulti"_s), 2);
+    QCOMPARE(stored(u"InclPictures"_s), 2);
+    QCOMPARE(stored(u"Sort"_s), 1); // a choice of the user's
+    QCOMPARE(stored(u"BG_COLOR"_s), 2);
+}
+
+void TestColorSetting::backgroundChosenUnreadIsStored()
+{
+    {
+        const OtherConnection other(u"BEGIN EXCLUSIVE"_s);
+        ColorSetting::instance().setBackground(Qt::white);
+    }
+    ColorSetting::saveAndRelease();
+    QCOMPARE(stored(u"BG_COLOR"_s), 1);
 }
 
 void TestColorSetting::unknownChoiceYieldsTheLastOne()
