@@ -74,7 +74,7 @@ void LocGroupForm::moveToGroup()
         return;
     }
     const WriteOutcome outcome = executeWrite(u"UPDATE loc_model SET locid = :lid WHERE id = %1"_s.arg(m_modelId),
-        { { u":lid"_s, groupId } }, neededGroup(groupId));
+        { { u":lid"_s, groupId } }, { neededGroup(groupId) });
     if (!outcome.done) {
         MessageBox::information(this, tr("DB-Update"), outcome.errorText);
     } else if (outcome.rows == 0) {

@@ -53,7 +53,7 @@ void LocModelForm::addModel()
 {
     const WriteOutcome outcome = executeWrite(u"INSERT INTO loc_model (modelname, locid) VALUES (:modnam, :locid) "_s,
         { { u":modnam"_s, cutText(m_nameEdit->text(), TextLimit::Name) }, { u":locid"_s, m_groupId } },
-        neededGroup(m_groupId));
+        { neededGroup(m_groupId) });
     if (outcome.done) {
         m_modelList->refresh();
         m_modelList->showRow(outcome.newId);

@@ -6,6 +6,7 @@
 #include "search/messagebox.h"
 #include "search/textcut.h"
 #include "store/catalogquery.h"
+#include "store/neededrow.h"
 #include "store/rowvalue.h"
 
 #include <QDateEdit>
@@ -19,7 +20,6 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr int LargestPictureCount = 6; // of one entry
 constexpr qsizetype LongestShown = 1000; // characters in a field; what only another program can store may be millions
 
 } // namespace
@@ -79,8 +79,8 @@ void LocseenForm::showLocPicture()
 
 void LocseenForm::newLocPicture()
 {
-    if (CatalogQuery::instance().countPicturesOfEntry(m_entryId) >= LargestPictureCount) {
-        MessageBox::information(this, tr("max. Anzahl Bilder"), tr("Es sind max. 6 Bilder pro Eintrag zulässig!"));
+    if (CatalogQuery::instance().countPicturesOfEntry(m_entryId) >= MostPictures) {
+        MessageBox::information(this, tr("max. Anzahl Bilder"), neededRoom(m_entryId).missingText);
         return;
     }
     LocPictureForm form(m_entryId, -1, this);

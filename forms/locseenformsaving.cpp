@@ -84,7 +84,7 @@ void LocseenForm::insertEntry()
             { { u":num"_s, row.value(u"nummer"_s) }, { u":lsid"_s, m_modelId }, { u":ort"_s, row.value(u"ort"_s) },
                 { u":kmt"_s, row.value(u"kommentar"_s) }, { u":sdate"_s, m_startDateEdit->date() },
                 { u":lsdate"_s, row.value(u"locseendate"_s) } },
-            neededModel(m_modelId));
+            { neededModel(m_modelId) });
     if (outcome.done) {
         m_entryId = outcome.newId;
         m_row = row;

@@ -57,7 +57,7 @@ PictureOutcome outcomeOfFailedCommit(const QString &errorText, int newId, const 
 
 /// The file is written before the row is committed, so that a crash in between leaves no row without its file.
 PictureOutcome store(const QString &statement, const QList<BoundValue> &values, const StoredPicture &picture,
-    const QImage &copy, const std::optional<NeededRow> &needed = {})
+    const QImage &copy, const QList<NeededRow> &needed = {})
 {
     Transaction transaction;
     if (!transaction.isOpen()) {
@@ -118,10 +118,13 @@ PictureOutcome insertPicture(const StoredPicture &picture, const QImage &copy)
 {
     QList<BoundValue> values = boundValues(picture);
     values.append({ u":lpi"_s, picture.entryId });
-    const bool isOfGroup = picture.entryId == -1;
+    QList<NeededRow> needed; // nothing for the picture of a group
+    if (picture.entryId != -1) {
+        needed = { neededEntry(picture.entryId), neededRoom(picture.entryId) };
+    }
     return store(u"INSERT INTO loc_picture (pictAuxPath, pictOrigPath, pictHeight, pictWidth, locpictureid) "
                  "VALUES (:pap, :pop, :phe, :pwi, :lpi)"_s,
-        values, picture, copy, isOfGroup ? std::nullopt : std::optional(neededEntry(picture.entryId)));
+        values, picture, copy, needed);
 }
 
 PictureOutcome updatePicture(int id, const StoredPicture &picture, const QImage &copy)

@@ -24,3 +24,10 @@ NeededRow neededEntry(int entryId)
         QCoreApplication::translate(
             "NeededRow", "Der Eintrag ist nicht mehr vorhanden, er wurde inzwischen gelöscht.") };
 }
+
+NeededRow neededRoom(int entryId)
+{
+    return { u"SELECT COUNT(*) < %1 FROM loc_picture WHERE locpictureid = %2"_s.arg(
+                 QString::number(MostPictures), QString::number(entryId)),
+        QCoreApplication::translate("LocseenForm", "Es sind max. 6 Bilder pro Eintrag zulässig!") };
+}

@@ -12,3 +12,8 @@ struct NeededRow
 [[nodiscard]] NeededRow neededGroup(int groupId);
 [[nodiscard]] NeededRow neededModel(int modelId);
 [[nodiscard]] NeededRow neededEntry(int entryId);
+
+constexpr int MostPictures = 6; // of one entry
+
+/// Room for one more picture of the entry.
+[[nodiscard]] NeededRow neededRoom(int entryId);

@@ -42,11 +42,13 @@ QString reasonAgainst(const NeededRow &needed)
     return count.value(0).toLongLong() == 0 ? needed.missingText : QString();
 }
 
-WriteOutcome runWrite(const QString &statement, const QList<BoundValue> &values, const std::optional<NeededRow> &needed)
+WriteOutcome runWrite(const QString &statement, const QList<BoundValue> &values, const QList<NeededRow> &needed)
 {
-    const QString reason = needed ? reasonAgainst(*needed) : QString();
-    if (!reason.isEmpty()) {
-        return { false, reason };
+    for (const NeededRow &row : needed) {
+        const QString reason = reasonAgainst(row);
+        if (!reason.isEmpty()) {
+            return { false, reason };
+        }
     }
     QSqlQuery query;
     if (!query.prepare(statement)) {
@@ -66,8 +68,7 @@ WriteOutcome runWrite(const QString &statement, const QList<BoundValue> &values,
     return { true, {}, newId, query.numRowsAffected() };
 }
 
-WriteOutcome executeWrite(
-    const QString &statement, const QList<BoundValue> &values, const std::optional<NeededRow> &needed)
+WriteOutcome executeWrite(const QString &statement, const QList<BoundValue> &values, const QList<NeededRow> &needed)
 {
     Transaction transaction;
     if (!transaction.isOpen()) {

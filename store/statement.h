@@ -6,8 +6,6 @@
 #include <QString>
 #include <QVariant>
 
-#include <optional>
-
 struct BoundValue
 {
     QString name; // with its colon, as it stands in the statement
@@ -28,14 +26,14 @@ struct WriteOutcome
 [[nodiscard]] QString reasonAgainst(const NeededRow &needed);
 
 /// Prepares, binds and executes one statement without a transaction of its own. An INSERT whose id does not fit 32 bits
-/// has failed, and whoever has begun the transaction must not commit it. Where a row is needed and gone, nothing is
-/// written and the error text is that of the row.
+/// has failed, and whoever has begun the transaction must not commit it. Where something is needed and not there,
+/// nothing is written and the error text says so.
 [[nodiscard]] WriteOutcome runWrite(
-    const QString &statement, const QList<BoundValue> &values = {}, const std::optional<NeededRow> &needed = {});
+    const QString &statement, const QList<BoundValue> &values = {}, const QList<NeededRow> &needed = {});
 
 /// runWrite() in a transaction that ends with the statement.
 [[nodiscard]] WriteOutcome executeWrite(
-    const QString &statement, const QList<BoundValue> &values = {}, const std::optional<NeededRow> &needed = {});
+    const QString &statement, const QList<BoundValue> &values = {}, const QList<NeededRow> &needed = {});
 
 enum class DeletionResult { Deleted, StillUsed, Failed };
 

@@ -2,6 +2,7 @@
 #include "search/clock.h"
 #include "store/colorsetting.h"
 #include "tests/support/modalscript.h"
+#include "tests/support/otherconnection.h"
 #include "tests/support/testcatalogue.h"
 #include "tests/support/testmain.h"
 #include "tests/support/testpictures.h"
@@ -82,32 +83,6 @@ void run(const QString &statement)
     QSqlQuery query;
     QVERIFY2(query.exec(statement), qUtf8Printable(query.lastError().text()));
 }
-
-/// A second program that works with the same catalogue.
-class OtherProgram final
-{
-public:
-    explicit OtherProgram(const QString &statement)
-    {
-        QSqlDatabase database = QSqlDatabase::addDatabase(u"QSQLITE"_s, u"other"_s);
-        database.setDatabaseName(u"./Data/bahnakte.dat"_s);
-        m_query = std::make_unique<QSqlQuery>(database.open() ? database : QSqlDatabase());
-        m_works = m_query->exec(statement);
-        m_query->next();
-    }
-    ~OtherProgram()
-    {
-        m_query.reset();
-        QSqlDatabase::removeDatabase(u"other"_s);
-    }
-    Q_DISABLE_COPY_MOVE(OtherProgram)
-
-    [[nodiscard]] bool works() const { return m_works; }
-
-private:
-    std::unique_ptr<QSqlQuery> m_query;
-    bool m_works = false;
-};
 
 const QString CannotSave = u"Die Bild-Datei konnte nicht gespeichert werden!"_s;
 const QString NoPicture = u"Die Datei ist kein lesbares Bild!"_s;
@@ -564,9 +539,10 @@ void TestLocPictureForm::savedCopiesCountForThePictureStore()
 {
     const PictureStore &store = ColorSetting::instance().pictureStore();
     QCOMPARE(store.currentFolder(), u"Folder001"_s);
+    const int other = m_catalogue->addEntry(u"11407"_s, 1); // one alone has no room for ten pictures
     for (int i = 0; i < 10; ++i) {
         QCOMPARE(store.countdown(), 10 - i);
-        LocPictureForm form(Entry, -1);
+        LocPictureForm form(i % 2 == 0 ? Entry : other, -1);
         choose(form);
         press(form, u"saveButton"_s);
     }
@@ -653,7 +629,7 @@ void TestLocPictureForm::cancelledGroupPictureOfALockedCatalogueIsTold()
     choose(form);
     press(form, u"saveButton"_s);
     {
-        const OtherProgram writer(u"BEGIN EXCLUSIVE"_s);
+        const OtherConnection writer(u"BEGIN EXCLUSIVE"_s);
         QVERIFY(writer.works());
         ModalScript script;
         script.anyBox(u"DB-Delete"_s);
@@ -714,7 +690,7 @@ void TestLocPictureForm::lockedDatabaseIsToldAndCanBeTriedAgain()
     LocPictureForm form(Entry, -1);
     choose(form);
     {
-        const OtherProgram writer(u"BEGIN IMMEDIATE"_s);
+        const OtherConnection writer(u"BEGIN IMMEDIATE"_s);
         QVERIFY(writer.works());
         ModalScript script;
         script.anyBox(u"DB-Insert"_s);
@@ -734,7 +710,7 @@ void TestLocPictureForm::failedCommitLeavesNeitherRowNorFile()
     LocPictureForm form(Entry, -1);
     choose(form);
     {
-        const OtherProgram reader(u"SELECT * FROM settings"_s); // half read: lets others write, but not commit
+        const OtherConnection reader(u"SELECT * FROM settings"_s); // half read: lets others write, but not commit
         QVERIFY(reader.works());
         ModalScript script;
         script.anyBox(u"DB-Insert"_s);

@@ -26,6 +26,7 @@ private Q_SLOTS:
     void copyThatIsTheNewSourceStays();
     void pictureOfAVanishedEntryIsNotStored();
     void pictureOfAnEntryThatWasNeverStoredIsNotStored();
+    void seventhPictureIsNotStored();
     void pictureWithoutAReadableIdIsNotStored();
     void pictureOfAGroupNeedsNoEntry();
     void vanishedPictureIsNotReplaced();
@@ -127,6 +128,24 @@ void TestStoredPicture::pictureOfAnEntryThatWasNeverStoredIsNotStored()
 }
 
 /// A row with an id beyond 32 bits makes all further ids as large.
+/// A second window may have added the sixth while this one was choosing a file.
+void TestStoredPicture::seventhPictureIsNotStored()
+{
+    const int model = m_catalogue->addModel(u"Ae 6/6"_s, m_catalogue->addGroup(u"Gotthard"_s));
+    const int entry = m_catalogue->addEntry(u"11407"_s, model);
+    while (m_catalogue->value(u"SELECT COUNT(*) FROM loc_picture WHERE locpictureid = %1"_s.arg(entry)).toInt() < 5) {
+        m_catalogue->addPicture(entry);
+    }
+    QCOMPARE(insertPicture(newPicture(entry), Copy).result, PictureOutcome::Stored);
+    StoredPicture seventh = newPicture(entry);
+    seventh.copyPath = u"./Data/Pictures/Folder001/2024511201.jpg"_s;
+    const PictureOutcome outcome = insertPicture(seventh, Copy);
+    QCOMPARE(outcome.result, PictureOutcome::StatementFailed);
+    QCOMPARE(outcome.errorText, u"Es sind max. 6 Bilder pro Eintrag zulässig!"_s);
+    QVERIFY(!QFile::exists(seventh.copyPath));
+    QCOMPARE(m_catalogue->value(u"SELECT COUNT(*) FROM loc_picture WHERE locpictureid = %1"_s.arg(entry)).toInt(), 6);
+}
+
 void TestStoredPicture::pictureWithoutAReadableIdIsNotStored()
 {
     QVERIFY(executeWrite(u"UPDATE loc_picture SET id = 4294967297"_s).done);
