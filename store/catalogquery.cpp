@@ -145,9 +145,9 @@ void CatalogQuery::modelsOfGroup(QList<QSqlRecord> &list, int groupId) const
     });
 }
 
-void CatalogQuery::groups(QList<QSqlRecord> &list, int groupId) const
+bool CatalogQuery::groups(QList<QSqlRecord> &list, int groupId) const
 {
-    readRows(u"SELECT * FROM locomotive ORDER BY name"_s, [&list, groupId](const QSqlQuery &query) {
+    return readRows(u"SELECT * FROM locomotive ORDER BY name"_s, [&list, groupId](const QSqlQuery &query) {
         if (groupId == 0 || rowId(query.value(u"id"_s)) == groupId) {
             list.append(query.record());
         }

@@ -32,7 +32,8 @@ public:
     void entryById(QList<QSqlRecord> &list, int entryId) const;
     /// Ordered by name; group 0 takes all.
     void modelsOfGroup(QList<QSqlRecord> &list, int groupId) const;
-    void groups(QList<QSqlRecord> &list, int groupId) const;
+    /// False when they could not be read, or not all of them.
+    bool groups(QList<QSqlRecord> &list, int groupId) const;
     /// Oldest sighting first.
     void allEntries(QList<QSqlRecord> &list) const;
     void entriesByNumber(QList<QSqlRecord> &list, const QString &nummer, int modelId) const;

@@ -12,12 +12,14 @@
 #include "store/statement.h"
 #include "tests/support/browserwindow.h"
 #include "tests/support/modalscript.h"
+#include "tests/support/otherconnection.h"
 #include "tests/support/testmain.h"
 #include "tests/support/testpictures.h"
 
 #include <QApplication>
 #include <QFile>
 #include <QGridLayout>
+#include <QLabel>
 #include <QMenu>
 #include <QMessageBox>
 #include <QScrollArea>
@@ -63,6 +65,8 @@ private Q_SLOTS:
     void groupIconSizes();
     void unreadableGroupPictureGivesAnEmptyIcon();
     void groupFormRebuildsTheColumn();
+    void unreadableGroupsKeepTheirButtons();
+    void unreadableGroupsAreToldAtTheStart();
     void updateActionsDoesNothing();
 
 private:
@@ -429,6 +433,38 @@ void TestApplWindow::groupFormRebuildsTheColumn()
     QTest::mouseClick(button, Qt::LeftButton);
     QCOMPARE(script.problems(), QStringList());
     QCOMPARE(buttons(), 2);
+}
+
+/// To the owner an empty column would look like the loss of everything.
+void TestApplWindow::unreadableGroupsKeepTheirButtons()
+{
+    m_catalogue->addGroup(u"Krokodile"_s);
+    m_catalogue->addGroup(u"Dampf"_s);
+    const BrowserWindow browser;
+    auto *column = browser.window().findChild<PictureScrollList *>();
+    const OtherConnection other(u"BEGIN EXCLUSIVE"_s);
+    QVERIFY(other.works());
+    column->rebuild();
+    QCOMPARE(column->findChildren<PictureItem *>().size(), 2);
+    QVERIFY(!column->findChild<QLabel *>(u"hint"_s));
+}
+
+void TestApplWindow::unreadableGroupsAreToldAtTheStart()
+{
+    m_catalogue->addGroup(u"Krokodile"_s);
+    const BrowserWindow browser;
+    auto *column = browser.window().findChild<PictureScrollList *>();
+    qDeleteAll(column->findChildren<PictureItem *>()); // as if the start had been during the lock
+    {
+        const OtherConnection other(u"BEGIN EXCLUSIVE"_s);
+        column->rebuild();
+        const auto *hint = column->findChild<QLabel *>(u"hint"_s);
+        QVERIFY(hint);
+        QCOMPARE(hint->text(), u"Die Gruppen sind gerade nicht lesbar."_s);
+    }
+    column->rebuild();
+    QCOMPARE(column->findChildren<PictureItem *>().size(), 1);
+    QVERIFY(!column->findChild<QLabel *>(u"hint"_s));
 }
 
 void TestApplWindow::updateActionsDoesNothing()

@@ -277,7 +277,7 @@ void TestContrast::firstStepIsReadable()
     m_catalogue.reset(); // its connection has to be gone first
     m_catalogue = std::make_unique<TestCatalogue>();
     m_browser = std::make_unique<BrowserWindow>();
-    auto *hint = m_browser->window().findChild<QLabel *>(u"firstStep"_s);
+    auto *hint = m_browser->window().findChild<QLabel *>(u"hint"_s);
     QVERIFY(hint && hint->isVisible());
     QVERIFY(hint->text().contains(u"Baureihe-Gruppen bearbeiten"_s));
     QVERIFY(!hint->toolTip().isEmpty());
@@ -286,7 +286,7 @@ void TestContrast::firstStepIsReadable()
     QVERIFY(textContrast(image, area) >= Readable);
     m_catalogue->addGroup(u"Krokodile"_s);
     m_browser->window().findChild<PictureScrollList *>()->rebuild();
-    QVERIFY(!m_browser->window().findChild<QLabel *>(u"firstStep"_s));
+    QVERIFY(!m_browser->window().findChild<QLabel *>(u"hint"_s));
 }
 
 BAHNITO_TEST_MAIN(TestContrast)
