@@ -4,10 +4,12 @@
 #include "store/rowvalue.h"
 
 #include <QHeaderView>
+#include <QKeyEvent>
 #include <QSignalBlocker>
 #include <QSqlTableModel>
 
 #include <algorithm>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -30,18 +32,13 @@ public:
 } // namespace
 
 RowList::RowList(const QString &table, const QList<Column> &columns, const QString &filter)
-    : m_model(new RowModel(this))
+    : m_table(table)
+    , m_columns(columns)
+    , m_filter(filter)
+    , m_model(new RowModel(this))
 {
-    m_model->setTable(table);
-    m_model->setFilter(filter);
-    m_model->setSort(m_model->fieldIndex(columns.first().name), Qt::AscendingOrder);
-    for (const Column &column : columns) {
-        m_model->setHeaderData(m_model->fieldIndex(column.name), Qt::Horizontal, column.header);
-    }
-    m_idColumn = m_model->fieldIndex(u"id"_s);
     setModel(m_model);
     prepareView();
-    hideOtherColumns(columns);
     refresh();
 
     connect(this, &QTableView::clicked, this, &RowList::rowChosen);
@@ -56,6 +53,9 @@ void RowList::refresh()
 {
     const QSignalBlocker blocker(this);
     const int chosen = chosenId();
+    if (m_model->columnCount() == 0) {
+        prepareModel(); // at first, and after the table could not be read: the model has forgotten its columns then
+    }
     m_model->select();
     while (m_model->canFetchMore()) {
         m_model->fetchMore();
@@ -86,6 +86,27 @@ void RowList::showRow(int id)
     }
 }
 
+/// The space bar on the only row, which is chosen already, chooses it as well.
+void RowList::keyPressEvent(QKeyEvent *event)
+{
+    QTableView::keyPressEvent(event);
+    if (event->key() == Qt::Key_Space && selectionModel()->hasSelection()) {
+        Q_EMIT rowChosen();
+    }
+}
+
+void RowList::prepareModel()
+{
+    m_model->setTable(m_table);
+    m_model->setFilter(m_filter);
+    m_model->setSort(m_model->fieldIndex(m_columns.first().name), Qt::AscendingOrder);
+    for (const Column &column : std::as_const(m_columns)) {
+        m_model->setHeaderData(m_model->fieldIndex(column.name), Qt::Horizontal, column.header);
+    }
+    m_idColumn = m_model->fieldIndex(u"id"_s);
+    hideOtherColumns();
+}
+
 void RowList::prepareView()
 {
     setEditTriggers(NoEditTriggers); // else a key press would overwrite a name
@@ -102,12 +123,12 @@ void RowList::prepareView()
     verticalHeader()->hide();
 }
 
-void RowList::hideOtherColumns(const QList<Column> &columns)
+void RowList::hideOtherColumns()
 {
     for (int index = 0; index < m_model->columnCount(); ++index) {
         const QString name = m_model->record().fieldName(index);
         const bool shown = std::any_of(
-            columns.begin(), columns.end(), [&name](const Column &column) { return column.name == name; });
+            m_columns.begin(), m_columns.end(), [&name](const Column &column) { return column.name == name; });
         setColumnHidden(index, !shown);
     }
 }

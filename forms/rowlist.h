@@ -37,11 +37,18 @@ Q_SIGNALS:
     /// A row was clicked, or chosen with the keyboard.
     void rowChosen();
 
+protected:
+    void keyPressEvent(QKeyEvent *event) override;
+
 private:
+    void prepareModel();
     void prepareView();
-    void hideOtherColumns(const QList<Column> &columns);
+    void hideOtherColumns();
     [[nodiscard]] int rowOf(int id) const; // -1 when it is not listed
 
+    QString m_table;
+    QList<Column> m_columns; // shown
+    QString m_filter;
     QSqlTableModel *m_model;
-    int m_idColumn;
+    int m_idColumn = -1;
 };

@@ -2,11 +2,13 @@
 #include "store/catalogquery.h"
 #include "store/database.h"
 #include "tests/support/modalscript.h"
+#include "tests/support/otherconnection.h"
 #include "tests/support/testcatalogue.h"
 #include "tests/support/testmain.h"
 
 #include <QApplication>
 #include <QGroupBox>
+#include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMetaMethod>
@@ -102,6 +104,8 @@ private Q_SLOTS:
     void missingGroupTakesNoClasses();
 
     void lockedGroupIsNotTakenForAMissingOne();
+    void listComesBackAfterALock();
+    void spaceChoosesTheOnlyRowAgain();
     void classOfAGroupDeletedMeanwhileIsTold();
     void movedClassLeavesTheList();
     void movingWithoutARowDoesNothing();
@@ -335,17 +339,53 @@ void TestLocModelForm::lockedGroupIsNotTakenForAMissingOne()
 {
     std::unique_ptr<LocModelForm> form;
     {
-        QSqlDatabase other = QSqlDatabase::addDatabase(u"QSQLITE"_s, u"other"_s);
-        other.setDatabaseName(databasePath());
-        QVERIFY(other.open() && QSqlQuery(other).exec(u"BEGIN EXCLUSIVE"_s));
+        const OtherConnection other(u"BEGIN EXCLUSIVE"_s);
+        QVERIFY(other.works());
         form = std::make_unique<LocModelForm>(m_group);
     }
-    QSqlDatabase::removeDatabase(u"other"_s);
     form->show();
     QVERIFY(nameEdit(*form)->isEnabled());
     QTest::keyClicks(nameEdit(*form), u"Ce 6/8 II"_s);
     press(*form, u"Speichern"_s);
     QCOMPARE(m_catalogue->value(u"SELECT COUNT(*) FROM loc_model"_s).toInt(), 1);
+    QCOMPARE(namesIn(listOf(*form)), QStringList(u"Ce 6/8 II"_s)); // which could not be read at first
+}
+
+void TestLocModelForm::listComesBackAfterALock()
+{
+    m_catalogue->addModel(u"Ce 6/8 II"_s, m_group);
+    LocModelForm form(m_group);
+    form.show();
+    clickRow(form, 0);
+    {
+        const OtherConnection other(u"BEGIN EXCLUSIVE"_s);
+        ModalScript script;
+        script.box(u"Baureihe entfernen"_s, u"Soll die gewählte Baureihe gelöscht werden?"_s, u"Ja"_s)
+            .anyBox(u"DB-Delete"_s);
+        press(form, u"Baureihe entfernen"_s);
+        QCOMPARE(script.problems(), QStringList());
+    }
+    QTest::keyClicks(nameEdit(form), u"Ce 6/8 III"_s);
+    press(form, u"Speichern"_s);
+    QCOMPARE(namesIn(listOf(form)), (QStringList { u"Ce 6/8 II"_s, u"Ce 6/8 III"_s }));
+    const auto *header = listOf(form)->horizontalHeader();
+    QCOMPARE(header->count() - header->hiddenSectionCount(), 1);
+}
+
+void TestLocModelForm::spaceChoosesTheOnlyRowAgain()
+{
+    m_catalogue->addModel(u"Ce 6/8 II"_s, m_group);
+    LocModelForm form(m_group);
+    form.show();
+    listOf(form)->setFocus();
+    QTest::keyClick(listOf(form), Qt::Key_Space);
+    ModalScript script;
+    script.then([&script](QWidget *move) { script.click(move, u"Schliessen"_s); });
+    press(form, u"Baureihe verschieben"_s);
+    QCOMPARE(script.problems(), QStringList());
+    QVERIFY(!isEnabled(form, u"Baureihe verschieben"_s));
+    QTest::keyClick(listOf(form), Qt::Key_Space);
+    QVERIFY(isEnabled(form, u"Baureihe verschieben"_s));
 }
 
 void TestLocModelForm::classOfAGroupDeletedMeanwhileIsTold()
