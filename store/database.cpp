@@ -4,16 +4,14 @@
 #include "store/transaction.h"
 
 #include <QCoreApplication>
-#include <QFileInfo>
+#include <QSet>
 #include <QSqlDatabase>
 #include <QSqlDriver>
 #include <QSqlError>
 #include <QSqlQuery>
 #include <QVariant>
 
-#include <algorithm>
 #include <array>
-#include <limits>
 
 #include <sqlite3.h>
 
@@ -31,10 +29,45 @@ sqlite3 *openConnection()
     return isConnection ? *static_cast<sqlite3 *const *>(handle.constData()) : nullptr;
 }
 
-/// A view in place of a table can yield rows without end, and so can a trigger. The program makes neither, so what a
-/// file brings of them is not followed: reading such a view fails, and a trigger does nothing. A computed column can
-/// yield gigabytes from a few bytes; nothing that is stored is longer than the file, nor a row of it with what sorting
-/// adds four times as long.
+/// What is computed when it is read or written; the authorizer of the connection looks there.
+struct Computed
+{
+    QSet<QByteArray> columns; // "table.column"
+    QSet<QByteArray> tables; // that have such columns
+};
+Computed computed;
+
+int authorize(void *context, int action, const char *first, const char *second, const char *schema, const char *inner)
+{
+    Q_UNUSED(context)
+    Q_UNUSED(schema)
+    Q_UNUSED(inner)
+    if (action == SQLITE_READ && computed.columns.contains(QByteArray(first) + '.' + second)) {
+        return SQLITE_IGNORE;
+    }
+    const bool isWrite = action == SQLITE_INSERT || action == SQLITE_UPDATE;
+    return isWrite && computed.tables.contains(first) ? SQLITE_DENY : SQLITE_OK;
+}
+
+/// Lets computed columns be read as NULL, and nothing be written into their tables, for that computes them as well: a
+/// few bytes in a file can make gigabytes of them, or hours of work.
+void ignoreComputedColumns(sqlite3 *connection)
+{
+    computed = {};
+    QSqlQuery query(u"SELECT t.name, c.name FROM sqlite_master AS t JOIN pragma_table_xinfo(t.name) AS c "
+                    "WHERE t.type = 'table' AND c.hidden IN (2, 3)"_s);
+    while (query.next()) {
+        const QByteArray table = query.value(0).toByteArray();
+        computed.tables.insert(table);
+        computed.columns.insert(table + '.' + query.value(1).toByteArray());
+    }
+    if (!computed.tables.isEmpty()) {
+        sqlite3_set_authorizer(connection, authorize, nullptr);
+    }
+}
+
+/// A view in place of a table can yield rows without end, and so can a trigger. The program makes neither, nor computed
+/// columns, so what a file brings of them is not followed: reading such a view fails, and a trigger does nothing.
 void distrustFile()
 {
     sqlite3 *connection = openConnection();
@@ -42,11 +75,9 @@ void distrustFile()
         qWarning("Sichten und Auslöser der Datenbank werden nicht ausgeschaltet.");
         return;
     }
-    constexpr qint64 LeastLimit = 256LL * 1024; // bytes
-    const qint64 limit = std::max(LeastLimit, 4 * QFileInfo(databasePath()).size());
-    sqlite3_limit(connection, SQLITE_LIMIT_LENGTH, int(std::min<qint64>(limit, std::numeric_limits<int>::max())));
     sqlite3_db_config(connection, SQLITE_DBCONFIG_ENABLE_VIEW, 0, nullptr);
     sqlite3_db_config(connection, SQLITE_DBCONFIG_ENABLE_TRIGGER, 0, nullptr);
+    ignoreComputedColumns(connection);
 }
 
 } // namespace
