@@ -7,6 +7,7 @@
 #include "store/pictureloader.h"
 
 #include <QIcon>
+#include <QIconEngine>
 #include <QKeyEvent>
 #include <QPainter>
 #include <QPixmap>
@@ -14,6 +15,51 @@
 #include <cmath>
 
 using namespace Qt::StringLiterals;
+
+namespace {
+
+/// One picture as it is, for all states of a button. The toolkit's own icons would put each into a cache of theirs and
+/// keep its key for ever, with each new picture.
+class PictureIcon final : public QIconEngine
+{
+public:
+    explicit PictureIcon(const QPixmap &picture)
+        : m_picture(picture)
+    { }
+
+    void paint(QPainter *painter, const QRect &rect, QIcon::Mode mode, QIcon::State state) override
+    {
+        Q_UNUSED(mode)
+        Q_UNUSED(state)
+        painter->drawPixmap(rect, m_picture);
+    }
+    QPixmap pixmap(const QSize &size, QIcon::Mode mode, QIcon::State state) override
+    {
+        Q_UNUSED(size)
+        Q_UNUSED(mode)
+        Q_UNUSED(state)
+        return m_picture;
+    }
+    QSize actualSize(const QSize &size, QIcon::Mode mode, QIcon::State state) override
+    {
+        Q_UNUSED(size)
+        Q_UNUSED(mode)
+        Q_UNUSED(state)
+        return m_picture.size();
+    }
+    QList<QSize> availableSizes(QIcon::Mode mode, QIcon::State state) override
+    {
+        Q_UNUSED(mode)
+        Q_UNUSED(state)
+        return { m_picture.size() };
+    }
+    [[nodiscard]] QIconEngine *clone() const override { return new PictureIcon(m_picture); }
+
+private:
+    QPixmap m_picture;
+};
+
+} // namespace
 
 QSize groupIconSize(const QSize &picture)
 {
@@ -101,7 +147,7 @@ void PictureItem::showPicture()
         return;
     }
     image.setDevicePixelRatio(scale);
-    setIcon(QIcon(QPixmap::fromImage(image)));
+    setIcon(QIcon(new PictureIcon(QPixmap::fromImage(image)))); // the icon owns it
 }
 
 /// The icon stays empty; the name keeps the button recognisable.

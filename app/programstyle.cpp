@@ -4,16 +4,24 @@ using namespace Qt::StringLiterals;
 
 QIcon ProgramStyle::standardIcon(StandardPixmap icon, const QStyleOption *option, const QWidget *widget) const
 {
+    auto known = m_icons.constFind(icon);
+    if (known != m_icons.constEnd()) {
+        return *known;
+    }
     switch (icon) {
     case SP_MessageBoxWarning:
     case SP_MessageBoxCritical:
-        return QIcon(u":/images/Warnung.png"_s);
+        known = m_icons.insert(icon, QIcon(u":/images/Warnung.png"_s));
+        break;
     case SP_MessageBoxInformation:
     case SP_MessageBoxQuestion:
-        return QIcon(u":/images/Hinweis.png"_s);
+        known = m_icons.insert(icon, QIcon(u":/images/Hinweis.png"_s));
+        break;
     default:
-        return QProxyStyle::standardIcon(icon, option, widget);
+        known = m_icons.insert(icon, QProxyStyle::standardIcon(icon, option, widget));
+        break;
     }
+    return *known;
 }
 
 int ProgramStyle::styleHint(

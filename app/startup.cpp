@@ -55,9 +55,7 @@ void Startup::speakGerman(QApplication &application)
 void Startup::dress()
 {
     QApplication::setStyle(new ProgramStyle); // the application owns it
-    // The style keeps pictures of its controls, new ones for each form that opens; 10 MB of them would be Qt's own
-    // limit.
-    constexpr int ControlPictures = 2048; // KB
+    constexpr int ControlPictures = 2048; // KB of the style's pictures; Qt's own limit would be 10 MB
     QPixmapCache::setCacheLimit(ControlPictures);
     QApplication::setFont(dialogFont());
     QGuiApplication::setDesktopFileName(u"de.bahnito.bahnito"_s); // by which desktops find the icon for the window

@@ -17,7 +17,8 @@ void keepNoSettings();
 /// German for Qt's own dialogs and buttons, German dates and numbers, and fonts in place of those that are missing.
 void speakGerman(QApplication &application);
 
-/// One font for all windows, boxes and tool tips, and boxes whose icons are the program's own.
+/// One font for all windows, boxes and tool tips, and boxes whose icons are the program's own. Of the pictures that the
+/// style draws of its controls, anew for each form that opens, only few are kept.
 void dress();
 
 /// Makes "./Data", "./Data/Pictures" and in it "AuxFolder", "Folder001" and "Folder002" where they are missing.

@@ -101,8 +101,8 @@ QList<QGraphicsItem *> details(
         if (line.isEmpty()) {
             return;
         }
-        const TextItem *item = text(line, font, color, QPointF(at.x(), std::floor(y)), DetailsWidth);
-        items.append(const_cast<TextItem *>(item));
+        TextItem *item = text(line, font, color, QPointF(at.x(), std::floor(y)), DetailsWidth);
+        items.append(item);
         y += item->height();
     };
     addLine(locomotive(modelName, card, u"  "_s), 0, colors.accent);

@@ -2,6 +2,7 @@
 
 #include "forms/dialogstyle.h"
 
+#include <QAbstractSpinBox>
 #include <QBoxLayout>
 #include <QCoreApplication>
 #include <QDialog>
@@ -46,9 +47,12 @@ QGroupBox *FormParts::groupBox(const QString &title, const QString &objectName)
 
 void FormParts::keepReadable(QWidget *field)
 {
-    QPalette palette = field->palette();
+    // Of a date field only what shows the text: for a frame with colours of its own the style would draw pictures anew
+    // in each form, and keep something of all of them.
+    QWidget *text = qobject_cast<QAbstractSpinBox *>(field) ? field->findChild<QLineEdit *>() : field;
+    QPalette palette = text->palette();
     palette.setColor(QPalette::Disabled, QPalette::Text, palette.color(QPalette::Active, QPalette::Text));
-    field->setPalette(palette);
+    text->setPalette(palette);
 }
 
 void FormParts::showOnly(QLineEdit *field)
