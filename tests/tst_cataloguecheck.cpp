@@ -5,6 +5,7 @@
 #include "tests/support/testpictures.h"
 
 #include <QApplication>
+#include <QBuffer>
 #include <QDir>
 #include <QDirIterator>
 #include <QFile>
@@ -13,6 +14,7 @@
 #include <QTest>
 
 #include <memory>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -39,6 +41,7 @@ private Q_SLOTS:
 private:
     [[nodiscard]] QStringList findings() const { return catalogueFindings(m_catalogue->path(u"."_s)); }
     static void write(const QString &path, const QByteArray &bytes);
+    static QByteArray testJpeg();
     static int runTool(const QStringList &arguments, QString *output = nullptr);
 
     std::unique_ptr<TestCatalogue> m_catalogue;
@@ -62,6 +65,13 @@ void TestCatalogueCheck::write(const QString &path, const QByteArray &bytes)
     QVERIFY(QDir().mkpath(QFileInfo(path).path()));
     QFile file(path);
     QVERIFY(file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size());
+}
+
+QByteArray TestCatalogueCheck::testJpeg()
+{
+    QByteArray bytes;
+    QBuffer buffer(&bytes);
+    return detailedImage({ 600, 400 }).save(&buffer, "JPEG") ? bytes : QByteArray();
 }
 
 int TestCatalogueCheck::runTool(const QStringList &arguments, QString *output)
@@ -136,11 +146,17 @@ void TestCatalogueCheck::damageInAFileIsFound_data()
     QTest::addColumn<QByteArray>("bytes"); // none: the file is missing
     QTest::addColumn<QString>("finding");
     const QByteArray text("x");
+    const QByteArray whole = testJpeg();
+    const QString cut = u"loc_picture 2: \"%1\" ist abgeschnitten"_s;
     const QString outside = u"loc_picture 2: \"%1\" liegt nicht im Bilder-Ordner"_s;
     QTest::newRow("missing") << u"./Data/Pictures/Folder001/2.jpg"_s << QByteArray()
                              << u"loc_picture 2: \"%1\" fehlt"_s;
     QTest::newRow("no picture") << u"./Data/Pictures/Folder001/2.jpg"_s << text
                                 << u"loc_picture 2: \"%1\" ist kein lesbares Bild"_s;
+    for (const auto &[name, size] : { std::pair("almost nothing but the header", whole.indexOf("\xFF\xDA") + 40),
+             std::pair("half", whole.size() / 2), std::pair("last byte missing", whole.size() - 1) }) {
+        QTest::newRow(name) << u"./Data/Pictures/Folder001/2.jpg"_s << whole.first(size) << cut;
+    }
     QTest::newRow("outside") << u"./mine.jpg"_s << text << outside;
     QTest::newRow("by dots") << u"./Data/Pictures/Folder001/../../mine.jpg"_s << text << outside;
     QTest::newRow("in the root") << u"./Data/Pictures/mine.jpg"_s << text << outside;

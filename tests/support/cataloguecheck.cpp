@@ -3,6 +3,7 @@
 #include <QDate>
 #include <QDir>
 #include <QDirIterator>
+#include <QFile>
 #include <QHash>
 #include <QImage>
 #include <QImageReader>
@@ -17,6 +18,15 @@ using namespace Qt::StringLiterals;
 namespace {
 
 const QString ConnectionName = u"catalogue check"_s;
+
+/// Whether the JPEG file has its end mark, behind which the program's writer leaves nothing. A file without it is cut,
+/// though it is decoded into a picture of the full size with a grey lower part.
+bool hasItsEnd(const QString &path)
+{
+    constexpr qint64 MarkSize = 2; // bytes
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) && file.seek(file.size() - MarkSize) && file.readAll() == "\xFF\xD9";
+}
 
 /// The checks of one catalogue. Everything it reads, it reads through `m_database`, never through the program's own
 /// connection or classes: an error there must not hide itself here.
@@ -170,6 +180,9 @@ QSize CatalogueCheck::checkCopy(const QString &owner, const QString &path)
     if (picture.isNull()) {
         add(u"%1: \"%2\" ist kein lesbares Bild"_s.arg(owner, path));
         return {};
+    }
+    if (!hasItsEnd(full)) {
+        add(u"%1: \"%2\" ist abgeschnitten"_s.arg(owner, path));
     }
     return picture.size();
 }
