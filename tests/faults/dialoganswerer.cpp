@@ -90,7 +90,7 @@ void DialogAnswerer::answerBox(QWidget *box)
     if (click(box, m_consent ? u"Ja"_s : u"Nein"_s)) {
         return;
     }
-    m_boxes.append(box->windowTitle() + u'|' + static_cast<QMessageBox *>(box)->text());
+    note(box->windowTitle() + u'|' + static_cast<QMessageBox *>(box)->text());
     box->close();
 }
 
@@ -105,10 +105,16 @@ void DialogAnswerer::answerDialog(QWidget *dialog)
         answers.append(m_standing.value(dialog->windowTitle()));
     }
     if (answers.isEmpty()) {
-        m_boxes.append(dialog->windowTitle() + u"|unerwartet"_s);
+        note(dialog->windowTitle() + u"|unerwartet"_s);
         dialog->close();
         return;
     }
     const Answer answer = answers.takeFirst();
     answer(dialog);
+}
+
+void DialogAnswerer::note(const QString &box)
+{
+    m_boxes.append(box);
+    ++m_boxCount;
 }

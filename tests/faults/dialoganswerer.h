@@ -36,6 +36,9 @@ public:
     /// "title|text" of the boxes that told something, since the last call.
     QStringList takeBoxes();
 
+    /// How many of them there were at all.
+    [[nodiscard]] int boxCount() const { return m_boxCount; }
+
     /// Clicks the button with this text; false when there is none that is enabled.
     static bool click(QWidget *widget, const QString &text);
 
@@ -44,6 +47,7 @@ private:
     void look();
     void answerBox(QWidget *box);
     void answerDialog(QWidget *dialog);
+    void note(const QString &box);
 
     QHash<QString, QList<Answer>> m_answers;
     QHash<QString, Answer> m_standing;
@@ -51,4 +55,5 @@ private:
     QList<QPointer<QWidget>> m_seen;
     QString m_file;
     QStringList m_boxes;
+    int m_boxCount = 0;
 };

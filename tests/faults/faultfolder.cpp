@@ -6,6 +6,7 @@
 #include <QDateTime>
 #include <QDir>
 #include <QDirIterator>
+#include <QRandomGenerator>
 #include <QSqlDatabase>
 #include <QSqlError>
 #include <QSqlQuery>
@@ -194,6 +195,15 @@ void FaultFolder::copy(const QString &from, const QString &to)
 bool isLongRun()
 {
     return !qEnvironmentVariableIsEmpty("BAHNITO_TEST_LONG");
+}
+
+quint32 testSeed(quint32 quick)
+{
+    bool isGiven = false;
+    const quint32 given = qEnvironmentVariable("BAHNITO_TEST_SEED").toUInt(&isGiven);
+    const quint32 seed = isGiven ? given : isLongRun() ? QRandomGenerator::global()->generate() : quick;
+    qInfo("seed %u", seed);
+    return seed;
 }
 
 QString catalogueDump(const QString &folder, bool withSettings)

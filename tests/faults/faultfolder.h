@@ -39,6 +39,10 @@ private:
     return isLongRun() ? longCount : quick;
 }
 
+/// The seed for what is random: BAHNITO_TEST_SEED if that is set, `quick` in the run for every day, and another one in
+/// each long run. It is printed, so that a failure can be had again.
+[[nodiscard]] quint32 testSeed(quint32 quick);
+
 /// All rows of the catalogue in `folder`, a line each, with "<Kopie>" for the names of copies, pictures without
 /// id, and groups with the photograph of their picture.
 /// Settings are left out unless `withSettings`. Reads through a connection of its own, which rolls back what a killed

@@ -5,15 +5,10 @@
 
 #include <QAction>
 #include <QApplication>
-#include <QComboBox>
-#include <QDialog>
-#include <QLineEdit>
 #include <QMenu>
 #include <QSqlDatabase>
 #include <QSqlQuery>
-#include <QTableView>
 #include <QTest>
-#include <QTextEdit>
 #include <QToolBar>
 #include <QToolButton>
 #include <QVariant>
@@ -22,39 +17,11 @@
 
 using namespace Qt::StringLiterals;
 
-namespace {
-
-// A catalogue that grew for ever would make the program's memory grow as well.
-constexpr int MostEntries = 300;
-constexpr int MostRows = 15; // in the list of the groups, or of a group's classes
-
-bool hasRoom(const QWidget *form)
-{
-    return form->findChild<QTableView *>()->model()->rowCount() < MostRows;
-}
-
-void leave(QWidget *form)
-{
-    for (int i = 0; i < 2 && form->isVisible(); ++i) {
-        if (!DialogAnswerer::click(form, u"Schliessen"_s)) {
-            form->close();
-        }
-    }
-}
-
-/// 0 when they cannot be counted.
-int countEntries()
-{
-    QSqlQuery query(u"SELECT COUNT(*) FROM loc_seen"_s);
-    return query.next() ? query.value(0).toInt() : 0;
-}
-
-} // namespace
-
 RandomUser::RandomUser(quint32 seed, Manner manner, const QString &photographs)
     : m_random(seed)
     , m_manner(manner)
     , m_photographs(photographs)
+    , m_lastDay(int(seed % 2))
 {
     const auto always = [this](const QString &title, void (RandomUser::*answer)(QWidget *)) {
         m_deeds.insert(title, 0);
@@ -83,15 +50,20 @@ RandomUser::~RandomUser()
     QSqlDatabase::removeDatabase(QLatin1StringView(QSqlDatabase::defaultConnection));
 }
 
+QList<Belief> RandomUser::takeBeliefs()
+{
+    return std::exchange(m_beliefs, {});
+}
+
 void RandomUser::act()
 {
     m_answers.setConsent(m_manner == Work && chance(50));
     const int kind = m_random.bounded(100);
     if (kind < 25) {
         searchSomeGroup();
-    } else if (kind < 90) {
+    } else if (kind < 88) {
         pressSomeButton();
-    } else if (kind < 94) {
+    } else if (kind < 91) {
         pickSomeColor();
     } else {
         maintainGroups();
@@ -113,6 +85,12 @@ void RandomUser::addDeeds(Deeds &sum, const QStringList &lines)
     for (const QString &line : lines) {
         sum[line.section(u' ', 1)] += line.section(u' ', 0, 0).toInt();
     }
+}
+
+int RandomUser::countEntries()
+{
+    QSqlQuery query(u"SELECT COUNT(*) FROM loc_seen"_s);
+    return query.next() ? query.value(0).toInt() : 0;
 }
 
 void RandomUser::searchSomeGroup()
@@ -165,134 +143,4 @@ void RandomUser::maintainGroups()
             return;
         }
     }
-}
-
-void RandomUser::answerOptions(QWidget *options)
-{
-    const QList<QComboBox *> boxes = options->findChildren<QComboBox *>();
-    for (QComboBox *box : boxes) {
-        if (chance(50) && box->count() > 0) {
-            box->setCurrentIndex(m_random.bounded(box->count()));
-        }
-    }
-    if ((works(30) && countEntries() < MostEntries) || (m_manner == LookOnly && chance(10))) {
-        DialogAnswerer::click(options, u"Neue Lok"_s);
-    }
-    if (chance(90) && DialogAnswerer::click(options, u"Suchen"_s)) {
-        ++m_deeds[u"searched"_s];
-    }
-}
-
-void RandomUser::answerEntry(QWidget *form)
-{
-    if (works(70)) {
-        if (chance(70)) {
-            type(form, u"numberEdit"_s, 22);
-        }
-        if (chance(70)) {
-            type(form, u"placeEdit"_s, 42);
-        }
-        if (chance(70)) {
-            form->findChild<QTextEdit *>()->insertPlainText(u"Wetter %1\n"_s.arg(m_random.bounded(1000)));
-        }
-        DialogAnswerer::click(form, u"Speichern"_s);
-    }
-    chooseSomeRow(form);
-    DialogAnswerer::click(form, u"Bild zeigen"_s);
-    if (works(40) || (m_manner == LookOnly && chance(20))) {
-        DialogAnswerer::click(form, u"Neues Bild"_s);
-    }
-    if (chance(20)) {
-        DialogAnswerer::click(form, u"Bild entfernen"_s);
-    }
-}
-
-void RandomUser::answerPicture(QWidget *form)
-{
-    const QStringList names { u"klein.jpg"_s, u"gross.jpg"_s, u"bild.png"_s, u"fehlt.jpg"_s };
-    m_answers.setFile(m_photographs + u'/' + names.at(m_random.bounded(names.size())));
-    DialogAnswerer::click(form, u"Bild auswählen"_s);
-    if (works(80)) {
-        DialogAnswerer::click(form, u"Bild speichern"_s);
-    }
-    if (m_manner == LookOnly || chance(10)) {
-        static_cast<QDialog *>(form)->reject();
-    }
-}
-
-void RandomUser::answerGroups(QWidget *form)
-{
-    if (works(15) && hasRoom(form)) {
-        type(form, u"nameEdit"_s, 45);
-        DialogAnswerer::click(form, u"Bild zuweisen"_s);
-        DialogAnswerer::click(form, u"Speichern"_s);
-    }
-    chooseSomeRow(form);
-    DialogAnswerer::click(form, u"Bild zeigen"_s);
-    DialogAnswerer::click(form, u"Baureihen"_s);
-    if (works(10)) {
-        DialogAnswerer::click(form, u"Bild austauschen"_s);
-    }
-    if (chance(10)) {
-        DialogAnswerer::click(form, u"Gruppe entfernen"_s);
-    }
-}
-
-void RandomUser::answerMove(QWidget *form)
-{
-    chooseSomeRow(form);
-    if (works(70)) {
-        DialogAnswerer::click(form, u"Speichern"_s);
-    }
-}
-
-void RandomUser::answerClasses(QWidget *form)
-{
-    if (works(30) && hasRoom(form)) {
-        type(form, u"nameEdit"_s, 45);
-        DialogAnswerer::click(form, u"Speichern"_s);
-    }
-    chooseSomeRow(form);
-    if (chance(20)) {
-        DialogAnswerer::click(form, u"Baureihe verschieben"_s);
-    }
-    if (chance(20)) {
-        DialogAnswerer::click(form, u"Baureihe entfernen"_s);
-    }
-}
-
-void RandomUser::chooseSomeRow(const QWidget *form)
-{
-    auto *table = form->findChild<QTableView *>();
-    const int rows = table->model()->rowCount();
-    if (rows == 0) {
-        return;
-    }
-    for (int column = 0; column < table->model()->columnCount(); ++column) {
-        if (!table->isColumnHidden(column)) {
-            const QModelIndex index = table->model()->index(m_random.bounded(rows), column);
-            table->scrollTo(index);
-            QTest::mouseClick(table->viewport(), Qt::LeftButton, {}, table->visualRect(index).center());
-            return;
-        }
-    }
-}
-
-/// Puts a text of up to `length` characters behind what is there, where the field can be edited.
-void RandomUser::type(QWidget *form, const QString &field, int length)
-{
-    auto *edit = form->findChild<QLineEdit *>(field);
-    if (!edit->isEnabled() || edit->text().size() > length) {
-        return;
-    }
-    edit->setFocus();
-    edit->end(false);
-    const QString letters = u"Ae 6/6 Gotthard 'x' <b>"_s;
-    const int wanted = m_random.bounded(1, length);
-    QString text;
-    while (text.size() < wanted) {
-        text.append(letters.at(m_random.bounded(letters.size())));
-    }
-    edit->insert(text);
-    Q_EMIT edit->textEdited(edit->text()); // as after the keys, but in a hundredth of the time
 }

@@ -1,5 +1,8 @@
 #pragma once
 
+#include "tests/faults/belief.h"
+
+#include <QList>
 #include <QMap>
 #include <QString>
 #include <QStringList>
@@ -28,14 +31,22 @@ void makeCounter(const QString &folder);
 /// Has this program's own connection note what it writes. A rollback takes its notes back, too.
 void keepJournal();
 
-/// Hands the notes to the test, from inside a forked run.
-void reportJournal();
+/// Holds the notes since the last call against what the user believes of that time. Returns the beliefs that were not
+/// stored like that, and new rows and moves that nobody has saved.
+[[nodiscard]] QStringList disappointments(const QList<Belief> &beliefs);
+
+/// The notes, for the test.
+[[nodiscard]] QStringList journal();
 
 /// Adds what a program has reported; returns what cannot be.
 [[nodiscard]] QStringList addWrites(Writes &writes, const QStringList &journal);
 
+/// How many of each kind it has: "20 INSERT loc_seen".
+[[nodiscard]] QStringList kindsOf(const QStringList &journal);
+
 /// Does the writes in their order: who has written last has the row.
 void follow(Rows &rows, const Writes &writes);
 
-/// The texts that are again what they were before somebody else has changed them. `before` is what all began with.
+/// The texts and days that are again what they were before somebody else has changed them. `before` is what all began
+/// with.
 [[nodiscard]] QStringList takenBack(const Rows &before, const Writes &writes);
