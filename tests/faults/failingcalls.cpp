@@ -55,8 +55,26 @@ void note(const char *name, const char *path)
     state.logged = std::min(LongestLog - 1, state.logged + std::size_t(std::max(written, 0)));
 }
 
+/// What a call writes, by default nothing.
+struct Writing
+{
+    int fd = -1;
+    const void *bytes = nullptr;
+    std::size_t size = 0;
+    off64_t at = -1; // negative where the file itself knows the place
+};
+
+void writeHalf(const Writing &writing)
+{
+    if (writing.at < 0) {
+        syscall(SYS_write, writing.fd, writing.bytes, writing.size / 2);
+    } else {
+        syscall(SYS_pwrite64, writing.fd, writing.bytes, writing.size / 2, writing.at);
+    }
+}
+
 /// Counts a call on `path`; true when it has to fail, with errno set. Does not return when the process ends here.
-bool fails(const char *name, const char *path, int fd = -1, const void *bytes = nullptr, std::size_t size = 0)
+bool fails(const char *name, const char *path, const Writing &writing = {})
 {
     if (!state.armed || !isBelow(path)) {
         return false;
@@ -68,8 +86,8 @@ bool fails(const char *name, const char *path, int fd = -1, const void *bytes = 
     if (!isDue || fault.mode == FailingCalls::CountOnly || fault.mode == FailingCalls::FillDisk) {
         return false;
     }
-    if (fault.mode == FailingCalls::KillHalfway && bytes && size > 1) {
-        syscall(SYS_write, fd, bytes, size / 2);
+    if (fault.mode == FailingCalls::KillHalfway && writing.bytes && writing.size > 1) {
+        writeHalf(writing);
     }
     if (fault.mode != FailingCalls::Fail) {
         syscall(SYS_kill, syscall(SYS_getpid), SIGKILL);
@@ -89,9 +107,9 @@ std::array<char, PATH_MAX> pathOf(int fd)
     return path;
 }
 
-bool failsOn(const char *name, int fd, const void *bytes = nullptr, std::size_t size = 0)
+bool failsOn(const char *name, int fd, const Writing &writing = {})
 {
-    return state.armed && fails(name, pathOf(fd).data(), fd, bytes, size);
+    return state.armed && fails(name, pathOf(fd).data(), writing);
 }
 
 /// How many of `size` bytes still fit; 0 with errno set when the disk is full.
@@ -168,7 +186,7 @@ extern "C" {
 
 ssize_t write(int fd, const void *bytes, size_t size)
 {
-    if (failsOn("write", fd, bytes, size)) {
+    if (failsOn("write", fd, { fd, bytes, size })) {
         return -1;
     }
     const std::size_t fits = fitting(fd, size);
@@ -177,7 +195,7 @@ ssize_t write(int fd, const void *bytes, size_t size)
 
 ssize_t pwrite64(int fd, const void *bytes, size_t size, off64_t at)
 {
-    if (failsOn("pwrite", fd, nullptr, size)) {
+    if (failsOn("pwrite", fd, { fd, bytes, size, at })) {
         return -1;
     }
     const std::size_t fits = fitting(fd, size);

@@ -83,6 +83,16 @@ bool ForkedRun::waitForLine(int timeout)
     return true;
 }
 
+bool ForkedRun::waitForLines(qsizetype count, int timeout)
+{
+    while (m_output.count('\n') < count) {
+        if (!readMore(timeout)) {
+            return false;
+        }
+    }
+    return true;
+}
+
 void ForkedRun::kill()
 {
     ::kill(m_process, SIGKILL);

@@ -35,6 +35,9 @@ public:
 
     /// False when the process ended before it reported anything more.
     bool waitForLine(int timeout);
+
+    /// The same until it has reported `count` lines in all.
+    bool waitForLines(qsizetype count, int timeout);
     void kill();
     [[nodiscard]] End finish(int timeout);
 

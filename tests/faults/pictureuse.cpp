@@ -22,6 +22,22 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr QSize PreviewBox(540, 360);
+constexpr QSize LargestCopy(750, 500);
+
+/// As the manual promises it: fitted into the largest copy and never enlarged.
+QSize sizeOfCopy(const QSize &picture)
+{
+    const bool fits = picture.width() <= LargestCopy.width() && picture.height() <= LargestCopy.height();
+    return fits ? picture : picture.scaled(LargestCopy, Qt::KeepAspectRatio).expandedTo({ 1, 1 });
+}
+
+/// A use is reported before it begins, so that the last one of a process that has crashed is known.
+QString lastUse(const ForkedRun::End &end)
+{
+    ForkedRun::End bare = end;
+    bare.lines.clear();
+    return u"file %1: "_s.arg(end.lines.size() - 1) + bare.description();
+}
 
 } // namespace
 
@@ -33,6 +49,20 @@ void PictureUse::write(const QString &path, const QByteArray &bytes)
     }
 }
 
+void PictureUse::Figures::add(const Figures &more)
+{
+    tried += more.tried;
+    readable += more.readable;
+    slowest = std::max(slowest, more.slowest);
+    memory = std::max(memory, more.memory);
+}
+
+QString PictureUse::Figures::text() const
+{
+    return u"%1 tried, %2 readable, slowest %3 ms, at most %4 MB"_s.arg(
+        QString::number(tried), QString::number(readable), QString::number(slowest), QString::number(memory, 'f', 0));
+}
+
 bool PictureUse::readAndStore(const QString &path)
 {
     const QSize size = pictureSize(path);
@@ -41,10 +71,14 @@ bool PictureUse::readAndStore(const QString &path)
     if (copy.isNull()) {
         return false;
     }
+    if (!size.isValid() || preview.isNull() || copy.size() != sizeOfCopy(size)) {
+        qFatal("%s is read, but its size or its preview is wrong", qUtf8Printable(path));
+    }
     const QString target = path + u".kopie"_s;
-    const bool isWritten = writeCopy(copy, target) && QImage(target).size() == copy.size();
-    QFile::remove(target);
-    return size.isValid() && !preview.isNull() && isWritten;
+    if (!writeCopy(copy, target) || QImage(target).size() != copy.size() || !QFile::remove(target)) {
+        qFatal("%s is read, but has no whole copy", qUtf8Printable(path));
+    }
+    return true;
 }
 
 QList<QByteArray> PictureUse::makeSamples(const QString &folder)
@@ -105,6 +139,7 @@ PictureUse::Figures PictureUse::figuresOf(
         [&] {
             Figures figures;
             for (int i = 0; i < files; ++i) {
+                ForkedRun::report(QString::number(i));
                 make(i);
                 const SleepWatch watch;
                 const std::clock_t start = std::clock(); // not the time of day: others use the machine too
@@ -117,9 +152,9 @@ PictureUse::Figures PictureUse::figuresOf(
                 QString::number(usage.ru_maxrss / 1024)));
         },
         (files + 1) * SleepWatch::LongestTime * 1000);
-    const QStringList words = end.lines.value(0).split(u' ');
+    const QStringList words = end.lines.value(files).split(u' ');
     if (!end.isGood() || words.size() != 3) {
-        qFatal("%s: %s", qUtf8Printable(path), qUtf8Printable(end.description()));
+        qFatal("%s, %s", qUtf8Printable(path), qUtf8Printable(lastUse(end)));
     }
-    return { words.at(0).toInt(), words.at(1).toInt(), words.at(2).toDouble() };
+    return { files, words.at(0).toInt(), words.at(1).toInt(), words.at(2).toDouble() };
 }

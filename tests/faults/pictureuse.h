@@ -14,9 +14,13 @@ namespace PictureUse {
 
 struct Figures
 {
+    int tried = 0;
     int readable = 0;
     int slowest = 0; // ms of computing
     double memory = 0; // MB at most
+
+    void add(const Figures &more);
+    [[nodiscard]] QString text() const;
 };
 
 /// What is done with a file; true when it is a readable picture.
@@ -24,7 +28,8 @@ using Use = std::function<bool(const QString &)>;
 
 void write(const QString &path, const QByteArray &bytes);
 
-/// What the choosing, the preview and the canvas do with a file.
+/// What the choosing, the preview and the canvas do with a file. The program ends when a picture that can be read has
+/// no preview or no whole copy of the size that it should have.
 [[nodiscard]] bool readAndStore(const QString &path);
 
 /// Small whole pictures in the order of PictureForgery::Sample, with their numbers for names in `folder`.
@@ -47,7 +52,8 @@ struct FormResult
 [[nodiscard]] bool useInForm(const QString &path, DialogAnswerer &answers);
 
 /// Uses so many files one after the other in a process of its own; `make` writes the file with a number to the path.
-/// The test program ends when the process crashes or when a file keeps it waiting, as SleepWatch tells.
+/// The test program ends and names the file when the process crashes or when a file keeps it waiting, as SleepWatch
+/// tells.
 [[nodiscard]] Figures figuresOf(
     const QString &path, int files, const std::function<void(int)> &make, const Use &use = readAndStore);
 

@@ -1,3 +1,5 @@
+#include "browser/entryblock.h"
+#include "browser/picturescene.h"
 #include "tests/faults/failingcalls.h"
 #include "tests/faults/faultfolder.h"
 #include "tests/faults/obstacles.h"
@@ -11,6 +13,7 @@
 
 #include <cerrno>
 #include <memory>
+#include <numeric>
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -65,11 +68,15 @@ private Q_SLOTS:
     void readOnlyFile();
     void readOnlyFolders_data() { addSteps(); }
     void readOnlyFolders();
+    void startedInAReadOnlyFolder_data() { addSteps(); }
+    void startedInAReadOnlyFolder();
     void lockedByAnotherProgram_data() { addSteps(); }
     void lockedByAnotherProgram();
     void readByAnotherProgram_data() { addSteps(); }
     void readByAnotherProgram();
-    void startsAndEndsOnAReadOnlyFile();
+    void showsWhatCannotBeWritten_data();
+    void showsWhatCannotBeWritten();
+    void cleanupTestCase() { qInfo("%d steps tried, %d boxes told of a failure", m_tried, m_told); }
 
 private:
     void addSteps() const;
@@ -81,6 +88,8 @@ private:
     FaultFolder m_folder;
     QList<SavingStep> m_steps;
     Reference m_reference;
+    int m_tried = 0;
+    int m_told = 0;
 };
 
 void TestBlockedCatalogue::initTestCase()
@@ -105,7 +114,7 @@ void TestBlockedCatalogue::addSteps() const
 void TestBlockedCatalogue::check(int step, const Obstacle &obstacle)
 {
     FaultFolder::copy(m_folder.path(u"before/"_s + QString::number(step)), work());
-    const ForkedRun::End end = runForked([&] {
+    ForkedRun::End end = runForked([&] {
         setSteadyClock();
         if (obstacle.isForRightless) {
             giveUpRights(m_folder.path());
@@ -126,10 +135,13 @@ void TestBlockedCatalogue::check(int step, const Obstacle &obstacle)
         m_steps.at(step).run(*user);
         compare(m_reference.reached.at(step), u"not done afterwards: "_s + user->takeBoxes().join(u'/'));
     });
-    QVERIFY2(end.isGood(), qPrintable(end.description()));
+    QVERIFY2(end.isGood() && !end.lines.isEmpty(), qPrintable(end.description()));
+    m_told += end.lines.takeFirst().toInt();
+    ++m_tried;
     QCOMPARE(end.lines.join(u'\n'), QString());
 }
 
+/// Reports first how many boxes came up, and then what was wrong.
 void TestBlockedCatalogue::tryStep(int step, CatalogueUser &user, const Obstacle &obstacle) const
 {
     bool isBlocked = obstacle.isBeforeStart;
@@ -145,6 +157,8 @@ void TestBlockedCatalogue::tryStep(int step, CatalogueUser &user, const Obstacle
     obstacle.unblock();
     user.setSavingHooks({}, {});
     boxes.append(user.takeBoxes());
+    ForkedRun::report(QString::number(std::accumulate(
+        boxes.cbegin(), boxes.cend(), 0, [](qsizetype sum, const QStringList &list) { return sum + list.size(); })));
     SavingStep told = m_steps.at(step);
     if (obstacle.hidesEntries && told.name == u"deleteEntry"_s) {
         told.failureTitle.clear();
@@ -229,6 +243,20 @@ void TestBlockedCatalogue::readOnlyFolders()
     check(step, obstacle);
 }
 
+/// Only the folder of the database file, so that it is opened for writing and copies can be stored.
+void TestBlockedCatalogue::startedInAReadOnlyFolder()
+{
+    QFETCH(const int, step);
+    const QString folder = work() + u"/Data"_s;
+    Obstacle obstacle;
+    obstacle.block = [&] { setWritable(folder, false); };
+    obstacle.unblock = [&] { setWritable(folder, true); };
+    obstacle.reasons = QStringList { u"unable to open database file"_s, u"attempt to write a readonly database"_s };
+    obstacle.isBeforeStart = true;
+    obstacle.isForRightless = true;
+    check(step, obstacle);
+}
+
 void TestBlockedCatalogue::lockedByAnotherProgram()
 {
     QFETCH(const int, step);
@@ -259,25 +287,47 @@ void TestBlockedCatalogue::readByAnotherProgram()
     check(step, obstacle);
 }
 
-/// A catalogue on a protected medium can be looked at, with all its entries.
-void TestBlockedCatalogue::startsAndEndsOnAReadOnlyFile()
+void TestBlockedCatalogue::showsWhatCannotBeWritten_data()
 {
+    QTest::addColumn<bool>("isFile");
+    QTest::addColumn<bool>("isFolder");
+    QTest::addColumn<bool>("areAllFolders");
+    QTest::newRow("the file") << true << false << false;
+    QTest::newRow("its folder") << false << true << false;
+    QTest::newRow("all folders") << false << true << true;
+    QTest::newRow("the file and all folders") << true << true << true;
+}
+
+/// A catalogue on a protected medium can be looked at, with all its entries and pictures, and is left as it is.
+void TestBlockedCatalogue::showsWhatCannotBeWritten()
+{
+    QFETCH(const bool, isFile);
+    QFETCH(const bool, isFolder);
+    QFETCH(const bool, areAllFolders);
     FaultFolder::copy(m_folder.path(u"sample"_s), work());
     const QByteArray before = folderDigest(work());
-    const ForkedRun::End end = runForked([this] {
+    const ForkedRun::End end = runForked([&] {
         giveUpRights(m_folder.path());
         QDir::setCurrent(work());
-        setWritable(u"Data/bahnakte.dat"_s, false);
+        setWritable(u"Data/bahnakte.dat"_s, !isFile);
+        setWritable(u"Data"_s, !isFolder);
+        if (areAllFolders) {
+            setFoldersWritable(work(), false);
+        }
         CatalogueUser user;
         user.search(u"Krokodile"_s, u"Ce 6/8 II"_s);
-        QStringList numbers = user.browser().numbers();
-        numbers.sort();
+        QStringList shown;
+        for (const EntryBlock *block : user.browser().canvas().blocks()) {
+            shown.append(block->card().number + u':' + QString::number(block->card().pictures.size()));
+        }
+        shown.sort();
         user.shutDown(u"schwarz"_s);
-        ForkedRun::report(numbers.join(u' '));
+        setFoldersWritable(work(), true);
+        ForkedRun::report(shown.join(u' '));
         report(user.takeBoxes().join(u'/'));
     });
     QVERIFY2(end.isGood(), qPrintable(end.description()));
-    QCOMPARE(end.lines, QStringList(u"14201 14202 14203"_s));
+    QCOMPARE(end.lines, QStringList(u"14201:2 14202:1 14203:0"_s));
     QCOMPARE(folderDigest(work()), before);
 }
 

@@ -14,8 +14,10 @@
 #include <QSqlError>
 #include <QSqlQuery>
 #include <QTest>
+#include <QVariant>
 
 #include <memory>
+#include <optional>
 
 #include <unistd.h>
 
@@ -23,11 +25,14 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr int LongestStatement = 1500; // ms that the window may stand still
+constexpr int LongestWait = 1500; // ms that the window may stand still
+constexpr int LongestStatement = 2500; // ms by the clock, on a machine that does other things too
 constexpr int ShortestWait = 800; // ms; what is quicker was not kept waiting by the other program
 
 const QString Read = u"SELECT * FROM sqlite_master"_s; // held on its first row, so that nobody can commit
 const QString Write = u"BEGIN IMMEDIATE"_s; // others can read, and nobody can begin to write
+const QString Exclude = u"BEGIN EXCLUSIVE"_s; // nobody can even read
+const QString Measured = u"measured: "_s; // begins a line that is no finding
 
 /// Has the program give up sooner in the quick run, where it would wait for a minute in all.
 void waitLess()
@@ -37,12 +42,25 @@ void waitLess()
     }
 }
 
-/// Reports a time that the user would feel, and one that shows that there was nothing to wait for.
+/// Reports a time as a finding when the user would feel it or when it shows that there was nothing to wait for.
 void judge(const QString &name, qint64 time)
 {
-    if (time > LongestStatement || time < ShortestWait) {
-        ForkedRun::report(u"%1: %2 ms"_s.arg(name, QString::number(time)));
-    }
+    const bool isRight = time <= LongestStatement && time >= ShortestWait;
+    ForkedRun::report(
+        (isRight ? Measured : QString()) + name.simplified() + u": "_s + QString::number(time) + u" ms"_s);
+}
+
+/// What is wrong; what was merely measured is printed.
+QString findings(QStringList lines)
+{
+    lines.removeIf([](const QString &line) {
+        const bool isMeasured = line.startsWith(Measured);
+        if (isMeasured) {
+            qInfo("%s", qUtf8Printable(line));
+        }
+        return isMeasured;
+    });
+    return lines.join(u'\n');
 }
 
 /// `work` has to fail.
@@ -133,9 +151,11 @@ void TestLockedCatalogue::everythingIsTriedWhileALockIsHeld()
                     const OtherProgram other(work(), 10 * duration, Write);
                     waitLess();
                     timer.start();
-                    while (timer.elapsed() < duration) {
+                    int rounds = 0;
+                    for (; timer.elapsed() < duration; ++rounds) {
                         tryAll(user, true);
                     }
+                    ForkedRun::report(Measured + u"%1 times all %2 steps"_s.arg(rounds).arg(m_steps.size()));
                     if (catalogueDump(work()) != before) {
                         ForkedRun::report(u"changed: "_s + catalogueDump(work()));
                     }
@@ -144,7 +164,7 @@ void TestLockedCatalogue::everythingIsTriedWhileALockIsHeld()
             },
             20 * duration + 60000);
         QVERIFY2(end.isGood(), qPrintable(end.description()));
-        QCOMPARE(end.lines.join(u'\n'), QString());
+        QCOMPARE(findings(end.lines), QString());
         QCOMPARE(damages(work()).join(u'\n'), QString());
         dumps.append(catalogueDump(work()));
     }
@@ -160,6 +180,10 @@ void TestLockedCatalogue::noStatementWaitsLong()
         if (!connectDatabase()) {
             ForkedRun::report(u"not opened"_s);
         }
+        QSqlQuery timeout(u"PRAGMA busy_timeout"_s); // which no busy machine makes longer
+        if (!timeout.next() || timeout.value(0).toInt() > LongestWait) {
+            ForkedRun::report(u"waits for %1 ms"_s.arg(timeout.value(0).toString()));
+        }
         const QStringList statements { u"SELECT * FROM loc_seen"_s, u"UPDATE settings SET value = 1"_s,
             u"DELETE FROM loc_seen WHERE id = 1"_s, u"BEGIN IMMEDIATE"_s };
         for (const QString &statement : statements) {
@@ -171,7 +195,7 @@ void TestLockedCatalogue::noStatementWaitsLong()
         });
     });
     QVERIFY2(end.isGood(), qPrintable(end.description()));
-    QCOMPARE(end.lines.join(u'\n'), QString());
+    QCOMPARE(findings(end.lines), QString());
 }
 
 /// Who merely reads lets others begin to write, and keeps them from ending it.
@@ -192,7 +216,7 @@ void TestLockedCatalogue::noStatementWaitsLongForAReader()
         judge(u"BEGIN EXCLUSIVE"_s, [] { return Transaction(Transaction::Kind::Exclusive).isOpen(); });
     });
     QVERIFY2(end.isGood(), qPrintable(end.description()));
-    QCOMPARE(end.lines.join(u'\n'), QString());
+    QCOMPARE(findings(end.lines), QString());
 }
 
 void TestLockedCatalogue::noStatementOfTheWindowWaitsLong_data()
@@ -206,6 +230,9 @@ void TestLockedCatalogue::noStatementOfTheWindowWaitsLong_data()
             QTest::addRow("%s beside a reader", qPrintable(name)) << Read << i;
             QTest::addRow("%s beside a writer", qPrintable(name)) << Write << i;
         }
+        if (isLongRun() || name == u"addEntry"_s || name == u"editEntry"_s) {
+            QTest::addRow("%s beside one who excludes all", qPrintable(name)) << Exclude << i;
+        }
     }
 }
 
@@ -217,13 +244,23 @@ void TestLockedCatalogue::noStatementOfTheWindowWaitsLong()
     const ForkedRun::End end = runForked([&] {
         QDir::setCurrent(work());
         CatalogueUser user;
-        const OtherProgram other(work(), 60000, lock);
-        const StatementWatch watch;
+        std::optional<OtherProgram> other;
+        std::optional<StatementWatch> watch;
+        const auto begin = [&] {
+            if (!other) {
+                other.emplace(work(), 60000, lock);
+                watch.emplace();
+            }
+        };
+        user.setSavingHooks(begin, {}); // beside one who excludes all, no form would open any more
+        if (lock != Exclude) {
+            begin();
+        }
         m_steps.at(step).run(user);
-        judge(watch.slowest(), watch.longest());
+        judge(watch->slowest(), watch->longest());
     });
     QVERIFY2(end.isGood(), qPrintable(end.description()));
-    QCOMPARE(end.lines.join(u'\n'), QString());
+    QCOMPARE(findings(end.lines), QString());
 }
 
 /// Opening is only reading; the window comes up late and without its rows, and closing it loses no more than choices.
