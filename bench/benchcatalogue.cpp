@@ -20,7 +20,6 @@ namespace {
 constexpr int BaseCopies = 200;
 constexpr int ClassesPerGroup = 5;
 constexpr int Classes = BenchCatalogue::Groups * ClassesPerGroup;
-constexpr int MostPictures = 6;
 constexpr int FilesPerFolder = 200; // as the program itself fills many folders
 
 /// Numbers of a class; those of few numbers come again and again.
