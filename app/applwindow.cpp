@@ -128,8 +128,18 @@ void ApplWindow::itemColorChanged()
 {
     m_colorChosen = true;
     m_colorAction = qobject_cast<QAction *>(sender());
-    m_colorButton->setIcon(colorButtonIcon(m_colorAction->data().value<QColor>()));
+    showButtonColor(m_colorAction->data().value<QColor>());
     backgroundButtonTriggered();
+}
+
+/// Each icon is made once: the toolkit keeps the name of every new one for ever.
+void ApplWindow::showButtonColor(const QColor &color)
+{
+    QIcon &icon = m_colorIcons[color.rgb()];
+    if (icon.isNull()) {
+        icon = colorButtonIcon(color);
+    }
+    m_colorButton->setIcon(icon);
 }
 
 void ApplWindow::backgroundButtonTriggered()
@@ -181,7 +191,7 @@ void ApplWindow::buildColorButton()
     menu->setPalette(palette);
     m_colorButton->setMenu(menu);
     m_colorAction = menu->defaultAction();
-    m_colorButton->setIcon(colorButtonIcon(ColorSetting::instance().scheme().background()));
+    showButtonColor(ColorSetting::instance().scheme().background());
     connect(m_colorButton, &QToolButton::clicked, this, &ApplWindow::backgroundButtonTriggered);
 }
 

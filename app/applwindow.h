@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QHash>
+#include <QIcon>
 #include <QMainWindow>
 
 class PictureScrollList;
@@ -31,6 +33,7 @@ public Q_SLOTS:
 private:
     void buildActions();
     void buildColorButton();
+    void showButtonColor(const QColor &color);
     void buildToolBars();
     void buildCanvas();
     void registerFonts();
@@ -46,6 +49,7 @@ private:
     QAction *m_aboutAction = nullptr;
     QAction *m_colorAction = nullptr; // the menu entry that the colour button stands for
     QToolButton *m_colorButton = nullptr;
+    QHash<QRgb, QIcon> m_colorIcons; // of the button, by its colours so far
     bool m_colorChosen = false; // the user has picked a colour from the menu
     QToolBar *m_toolBar = nullptr; // the one added last
     PictureScrollList *m_scrollList = nullptr;

@@ -31,6 +31,12 @@ class GermanFiles final : public QIdentityProxyModel
 public:
     using QIdentityProxyModel::QIdentityProxyModel;
 
+    /// Without the toolkit's own empty picture before the names, which it makes anew each time that it is painted.
+    [[nodiscard]] QVariant headerData(int section, Qt::Orientation orientation, int role) const override
+    {
+        return role == Qt::DecorationRole ? QVariant() : QIdentityProxyModel::headerData(section, orientation, role);
+    }
+
     [[nodiscard]] QVariant data(const QModelIndex &index, int role) const override
     {
         if (role == Qt::TextAlignmentRole && index.column() == Size) {

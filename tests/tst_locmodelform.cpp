@@ -377,7 +377,9 @@ void TestLocModelForm::spaceChoosesTheOnlyRowAgain()
     m_catalogue->addModel(u"Ce 6/8 II"_s, m_group);
     LocModelForm form(m_group);
     form.show();
-    listOf(form)->setFocus();
+    form.activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(&form));
+    listOf(form)->setFocus(Qt::TabFocusReason);
     QTest::keyClick(listOf(form), Qt::Key_Space);
     ModalScript script;
     script.then([&script](QWidget *move) { script.click(move, u"Schliessen"_s); });

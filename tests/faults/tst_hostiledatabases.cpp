@@ -325,7 +325,7 @@ void TestHostileDatabases::everyReadAndDeletionSurvives()
 /// the first steps on each catalogue that count.
 void TestHostileDatabases::everySessionSurvives()
 {
-    const int catalogues = share(1000, 10000);
+    const int catalogues = share(300, 10000);
     const quint32 first = testSeed(1);
     RandomUser::Deeds deeds;
     for (int i = 0; i < catalogues && !QTest::currentTestFailed(); ++i) {
