@@ -105,7 +105,7 @@ void TestSoak::checkWrites(const ForkedRun::End &end, int actions)
     const QStringList deleted { u"DELETE loc_model"_s, u"DELETE loc_picture"_s, u"DELETE loc_seen"_s,
         u"DELETE locomotive"_s, u"UPDATE locomotive"_s };
     for (const QString &kind : saved + deleted) {
-        QVERIFY2(writes.value(kind) > actions / 5000, qPrintable(kind));
+        QVERIFY2(writes.value(kind) > actions / 20000, qPrintable(kind)); // groups are hardly ever without a class
     }
     for (const QString &kind : saved) {
         const bool isExact = kind != u"INSERT loc_picture"_s; // a group's picture is also stored without a save
