@@ -149,10 +149,11 @@ void ApplWindow::backgroundButtonTriggered()
     }
     const auto color = m_colorAction->data().value<QColor>();
     ColorSetting &setting = ColorSetting::instance();
-    if (color == setting.scheme().background()) {
+    const bool isSame = color == setting.scheme().background();
+    setting.setBackground(color); // also when it is the same, for a stored one may not have been read
+    if (isSame) {
         return;
     }
-    setting.setBackground(color);
     m_viewHolder->paintBackground();
     redrawCanvas();
 }

@@ -37,29 +37,43 @@ struct Computed
 };
 Computed computed;
 
+/// As SQLite compares names; not through a QString, because a name need not be UTF-8.
+QByteArray nameOf(const char *name)
+{
+    return QByteArray(name).toLower();
+}
+
 int authorize(void *context, int action, const char *first, const char *second, const char *schema, const char *inner)
 {
     Q_UNUSED(context)
     Q_UNUSED(schema)
     Q_UNUSED(inner)
-    if (action == SQLITE_READ && computed.columns.contains(QByteArray(first) + '.' + second)) {
+    if (action == SQLITE_READ && computed.columns.contains(nameOf(first) + '.' + nameOf(second))) {
         return SQLITE_IGNORE;
     }
     const bool isWrite = action == SQLITE_INSERT || action == SQLITE_UPDATE;
-    return isWrite && computed.tables.contains(first) ? SQLITE_DENY : SQLITE_OK;
+    return isWrite && computed.tables.contains(nameOf(first)) ? SQLITE_DENY : SQLITE_OK;
 }
 
 /// Lets computed columns be read as NULL, and nothing be written into their tables, for that computes them as well: a
 /// few bytes in a file can make gigabytes of them, or hours of work.
 void ignoreComputedColumns(sqlite3 *connection)
 {
+    constexpr auto Statement = "SELECT t.name, c.name FROM sqlite_master AS t JOIN pragma_table_xinfo(t.name) AS c "
+                               "WHERE t.type = 'table' AND c.hidden IN (2, 3)";
     computed = {};
-    QSqlQuery query(u"SELECT t.name, c.name FROM sqlite_master AS t JOIN pragma_table_xinfo(t.name) AS c "
-                    "WHERE t.type = 'table' AND c.hidden IN (2, 3)"_s);
-    while (query.next()) {
-        const QByteArray table = query.value(0).toByteArray();
-        computed.tables.insert(table);
-        computed.columns.insert(table + '.' + query.value(1).toByteArray());
+    sqlite3_stmt *statement = nullptr;
+    int result = sqlite3_prepare_v2(connection, Statement, -1, &statement, nullptr);
+    while (statement && (result = sqlite3_step(statement)) == SQLITE_ROW) {
+        const auto name = [statement](int column) {
+            return nameOf(reinterpret_cast<const char *>(sqlite3_column_text(statement, column)));
+        };
+        computed.tables.insert(name(0));
+        computed.columns.insert(name(0) + '.' + name(1));
+    }
+    sqlite3_finalize(statement);
+    if (result != SQLITE_DONE) {
+        qWarning("Berechnete Spalten der Datenbank lassen sich nicht feststellen: %s", sqlite3_errmsg(connection));
     }
     if (!computed.tables.isEmpty()) {
         sqlite3_set_authorizer(connection, authorize, nullptr);

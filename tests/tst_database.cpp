@@ -253,6 +253,9 @@ void TestDatabase::computedColumnsAreNotComputed()
         QVERIFY(query.exec(u"CREATE TABLE Locomotive (id INTEGER PRIMARY KEY, x, pictPath)"_s));
         QVERIFY(query.exec(u"INSERT INTO locomotive (x, pictPath) VALUES ('a', 'b')"_s));
         QVERIFY(query.exec(u"ALTER TABLE Locomotive ADD COLUMN name AS (%1)"_s.arg(expression)));
+        // Two names for one table, as only a forger makes them.
+        QVERIFY(query.exec(u"PRAGMA writable_schema=ON"_s));
+        QVERIFY(query.exec(u"UPDATE sqlite_master SET name = 'LOCOMOTIVE', tbl_name = 'LOCOMOTIVE'"_s));
     }
     QSqlDatabase::removeDatabase(u"other"_s);
     QVERIFY(connectDatabase());

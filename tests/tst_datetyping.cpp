@@ -3,6 +3,7 @@
 #include "tests/support/testmain.h"
 
 #include <QApplication>
+#include <QCalendarWidget>
 #include <QClipboard>
 #include <QDateEdit>
 #include <QHBoxLayout>
@@ -50,6 +51,12 @@ private Q_SLOTS:
     void tabLeadsToTheNextPart();
     void pastedDateIsTaken();
     void badDateIsToldAfterTheFormHasClosed();
+    void dateIsEditedAsAText_data();
+    void dateIsEditedAsAText();
+    void doubleClickedYearIsTypedAlone();
+    void wheelEndsTyping();
+    void calendarTakesNoTyping();
+    void tipDoesNotSpeakOfAnOldDate();
     void markedPartsAreTypedAlone_data();
     void markedPartsAreTypedAlone();
     void arrowsStepAsBefore();
@@ -212,8 +219,8 @@ void TestDateTyping::backspaceTakesTheLastSignBack()
 void TestDateTyping::noSuchDayLeavesTheDate_data()
 {
     QTest::addColumn<QString>("keys");
-    for (const QString &keys :
-        { u"31.2.2000"_s, u"5.13.2000"_s, u"45"_s, u"5.6.202"_s, u"0.0.0000"_s, u"00000000"_s, u"5.6.1600"_s }) {
+    for (const QString &keys : { u"31.2.2000"_s, u"5.13.2000"_s, u"45"_s, u"5.6.202"_s, u"0.0.0000"_s, u"00000000"_s,
+             u"5.6.1600"_s, u"2012"_s }) {
         QTest::newRow(qUtf8Printable(keys)) << keys;
     }
 }
@@ -351,6 +358,80 @@ void TestDateTyping::badDateIsToldAfterTheFormHasClosed()
     type(u"31.4.20"_s);
     m_form.reset();
     QTRY_COMPARE(QToolTip::text(), u"„31.4.20“ ist kein Datum. Es bleibt beim 22.11.1985."_s);
+}
+
+void TestDateTyping::dateIsEditedAsAText_data()
+{
+    QTest::addColumn<QStringList>("keys"); // texts, and "Home", "End", "Left", "Delete", "Backspace", "Ctrl+V"
+    QTest::addColumn<QDate>("date");
+    QTest::newRow("first digit away") << QStringList { u"Home"_s, u"Delete"_s } << QDate(1985, 11, 2);
+    QTest::newRow("day") << QStringList { u"Home"_s, u"Delete"_s, u"1"_s } << QDate(1985, 11, 12);
+    QTest::newRow("last digit") << QStringList { u"End"_s, u"Backspace"_s, u"7"_s } << QDate(1987, 11, 22);
+    QTest::newRow("decade") << QStringList { u"End"_s, u"Backspace"_s, u"Backspace"_s, u"25"_s } << QDate(1925, 11, 22);
+    QTest::newRow("half a year") << QStringList { u"End"_s, u"Backspace"_s } << Base;
+    QTest::newRow("month") << QStringList { u"Home"_s, u"Right"_s, u"Right"_s, u"Right"_s, u"Delete"_s }
+                           << QDate(1985, 1, 22);
+    QTest::newRow("all") << QStringList { u"Ctrl+A"_s, u"Delete"_s, u"5.6.2020"_s } << QDate(2020, 6, 5);
+    QTest::newRow("pasted behind typed ones") << QStringList { u"5.6."_s, u"Ctrl+V"_s } << QDate(2001, 6, 5);
+}
+
+void TestDateTyping::dateIsEditedAsAText()
+{
+    QFETCH(const QStringList, keys);
+    QFETCH(const QDate, date);
+    QApplication::clipboard()->setText(u"2001"_s);
+    for (const QString &key : keys) {
+        if (key.front().isDigit()) {
+            type(key);
+        } else {
+            QTest::keySequence(m_edit, QKeySequence(key));
+        }
+    }
+    QCOMPARE(m_edit->date(), date); // at once, as when the form is closed now
+    leave();
+    QCOMPARE(m_edit->date(), date);
+    QCOMPARE(shown(), date.toString(u"dd.MM.yyyy"_s));
+}
+
+/// Through the window, because of the second press a widget is told only as of a double click.
+void TestDateTyping::doubleClickedYearIsTypedAlone()
+{
+    QTest::keyClick(m_edit, Qt::Key_Backtab);
+    auto *text = m_edit->findChild<QLineEdit *>();
+    const int x = text->fontMetrics().horizontalAdvance(u"22.11.19"_s) + 3;
+    const QPoint place = text->mapTo(m_form.get(), QPoint(x, text->height() / 2));
+    QTest::mouseDClick(m_form->windowHandle(), Qt::LeftButton, {}, place);
+    QCOMPARE(text->selectedText(), u"1985"_s);
+    type(u"2012"_s);
+    QTest::keyClick(m_edit, Qt::Key_Return);
+    QCOMPARE(m_edit->date(), QDate(2012, 11, 22));
+}
+
+void TestDateTyping::wheelEndsTyping()
+{
+    type(u"5.6"_s);
+    const QPointF place = m_edit->rect().center();
+    QWheelEvent wheel(place, m_edit->mapToGlobal(place), {}, QPoint(0, 120), {}, {}, Qt::NoScrollPhase, false);
+    QApplication::sendEvent(m_edit, &wheel);
+    const QDate stepped = m_edit->date();
+    QVERIFY(stepped != QDate(1985, 6, 5));
+    QCOMPARE(shown(), stepped.toString(u"dd.MM.yyyy"_s));
+    leave();
+    QCOMPARE(m_edit->date(), stepped);
+}
+
+/// It would read 05.06.2020 as another date.
+void TestDateTyping::calendarTakesNoTyping()
+{
+    QVERIFY(!m_edit->calendarWidget()->isDateEditEnabled());
+}
+
+void TestDateTyping::tipDoesNotSpeakOfAnOldDate()
+{
+    type(u"31.2"_s);
+    QTest::keyClick(m_edit, Qt::Key_Up);
+    QVERIFY(m_edit->date() != Base);
+    QTRY_COMPARE(QToolTip::text(), u"„31.2“ ist kein Datum."_s);
 }
 
 void TestDateTyping::markedPartsAreTypedAlone_data()
