@@ -18,5 +18,5 @@ public:
         StyleHint hint, const QStyleOption *option, const QWidget *widget, QStyleHintReturn *returnData) const override;
 
 private:
-    mutable QHash<int, QIcon> m_icons; // by StandardPixmap
+    mutable QHash<StandardPixmap, QIcon> m_icons;
 };
