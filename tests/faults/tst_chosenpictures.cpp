@@ -116,7 +116,7 @@ void TestChosenPictures::checkLimits(const Figures &figures)
 
 void TestChosenPictures::mutatedPicturesAreStoredOrRefused()
 {
-    const int files = share(300, 20000);
+    const int files = share(150, 20000);
     const quint32 seed = testSeed(1000000);
     const QString photograph = path(u"photographs/hostile.jpg"_s);
     QVERIFY(QDir().mkpath(path(u"photographs"_s)));

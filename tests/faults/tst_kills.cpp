@@ -212,7 +212,7 @@ void TestKills::killDuring(int round)
 
 void TestKills::catalogueSurvivesAKillAtAnyMoment()
 {
-    killOften(share(40, 1000), [this](int round) { killDuring(round); });
+    killOften(share(20, 1000), [this](int round) { killDuring(round); });
     if (!QTest::currentTestFailed()) {
         checkTally(m_steps.size());
     }
@@ -245,7 +245,7 @@ void TestKills::programSurvivesAKillWhileItsUserWorks()
     if (QTest::currentTestFailed()) {
         return;
     }
-    killOften(share(70, 700), [this](int round) { killWhileItsUserWorks(round); });
+    killOften(share(50, 700), [this](int round) { killWhileItsUserWorks(round); });
     if (!QTest::currentTestFailed()) {
         checkTally(Savings);
     }
