@@ -4,24 +4,24 @@ using namespace Qt::StringLiterals;
 
 QIcon ProgramStyle::standardIcon(StandardPixmap icon, const QStyleOption *option, const QWidget *widget) const
 {
-    auto known = m_icons.constFind(icon);
-    if (known != m_icons.constEnd()) {
-        return *known;
+    if (!m_icons.contains(icon)) {
+        m_icons.insert(icon, newIcon(icon, option, widget));
     }
+    return m_icons.value(icon);
+}
+
+QIcon ProgramStyle::newIcon(StandardPixmap icon, const QStyleOption *option, const QWidget *widget) const
+{
     switch (icon) {
     case SP_MessageBoxWarning:
     case SP_MessageBoxCritical:
-        known = m_icons.insert(icon, QIcon(u":/images/Warnung.png"_s));
-        break;
+        return QIcon(u":/images/Warnung.png"_s);
     case SP_MessageBoxInformation:
     case SP_MessageBoxQuestion:
-        known = m_icons.insert(icon, QIcon(u":/images/Hinweis.png"_s));
-        break;
+        return QIcon(u":/images/Hinweis.png"_s);
     default:
-        known = m_icons.insert(icon, QProxyStyle::standardIcon(icon, option, widget));
-        break;
+        return QProxyStyle::standardIcon(icon, option, widget);
     }
-    return *known;
 }
 
 int ProgramStyle::styleHint(

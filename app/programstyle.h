@@ -18,5 +18,7 @@ public:
         StyleHint hint, const QStyleOption *option, const QWidget *widget, QStyleHintReturn *returnData) const override;
 
 private:
+    [[nodiscard]] QIcon newIcon(StandardPixmap icon, const QStyleOption *option, const QWidget *widget) const;
+
     mutable QHash<StandardPixmap, QIcon> m_icons;
 };

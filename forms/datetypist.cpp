@@ -57,6 +57,32 @@ bool isForText(const QKeyEvent &key)
         || key.matches(QKeySequence::Copy) || key.matches(QKeySequence::SelectAll);
 }
 
+/// Lets the text of a date field be anything for a while: the field does not hear of it, and does not complete it.
+class FreeText final
+{
+public:
+    explicit FreeText(QLineEdit *text)
+        : m_text(text)
+        , m_blocker(text)
+        , m_validator(text->validator())
+    {
+        text->setValidator(nullptr);
+    }
+    ~FreeText() { m_text->setValidator(m_validator); }
+    Q_DISABLE_COPY_MOVE(FreeText)
+
+    void set(const QString &text, int cursor)
+    {
+        m_text->setText(text);
+        m_text->setCursorPosition(cursor);
+    }
+
+private:
+    QLineEdit *m_text;
+    QSignalBlocker m_blocker;
+    const QValidator *m_validator;
+};
+
 /// While a date is being typed the field is a plain text, as far as the keys are concerned, and its date follows.
 class Typist final : public QObject
 {
@@ -176,18 +202,14 @@ private:
             begin(key);
         }
         const QString former = m_text->text();
-        const int place = m_text->cursorPosition();
+        const int cursor = m_text->cursorPosition();
         {
-            const QSignalBlocker blocker(m_text); // the field would take it for a text in its own form
-            const QValidator *validator = m_text->validator(); // and would complete it
-            m_text->setValidator(nullptr);
+            FreeText text(m_text);
             edit(key);
             if (!DateTyping::isBeginning(m_text->text())) {
                 QApplication::beep();
-                m_text->setText(former);
-                m_text->setCursorPosition(place);
+                text.set(former, cursor);
             }
-            m_text->setValidator(validator);
         }
         follow();
     }
@@ -212,9 +234,10 @@ private:
 
     [[nodiscard]] bool isBeforeSeparator() const
     {
-        const int place = m_text->cursorPosition();
+        const int cursor = m_text->cursorPosition();
         const QString text = m_text->text();
-        return !m_text->hasSelectedText() && place > 0 && place < text.size() && DateTyping::isBetween(text.at(place));
+        return !m_text->hasSelectedText() && cursor > 0 && cursor < text.size()
+            && DateTyping::isBetween(text.at(cursor));
     }
 
     void markNextPart()
@@ -247,14 +270,9 @@ private:
             return;
         }
         if (m_edit->date() != date.value_or(m_base)) {
-            const int place = m_text->cursorPosition();
+            const int cursor = m_text->cursorPosition();
             m_edit->setDate(date.value_or(m_base));
-            const QSignalBlocker blocker(m_text);
-            const QValidator *validator = m_text->validator();
-            m_text->setValidator(nullptr);
-            m_text->setText(typed);
-            m_text->setCursorPosition(place);
-            m_text->setValidator(validator);
+            FreeText(m_text).set(typed, cursor);
         }
         if (!date && DateTyping::partsOf(typed).value(2).size() == 4) {
             QToolTip::showText(place(), noDateText(typed, true), m_edit);

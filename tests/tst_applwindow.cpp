@@ -24,6 +24,7 @@
 #include <QMessageBox>
 #include <QScrollArea>
 #include <QSignalSpy>
+#include <QSqlQuery>
 #include <QTest>
 #include <QToolBar>
 #include <QToolButton>
@@ -54,6 +55,7 @@ private Q_SLOTS:
     void colourMenuHasItsEntries();
     void colourButtonDoesNothingBeforeAColourWasPicked();
     void pickingTheStoredColourChangesOnlyTheIcon();
+    void pickedColourReplacesAnUnreadOne();
     void pickedColourIsKeptAcrossRuns();
     void colourChangeShowsANewStartPicture();
     void colourChangeWithoutASearchListsClassFive();
@@ -271,6 +273,21 @@ void TestApplWindow::pickingTheStoredColourChangesOnlyTheIcon()
     browser.pickColor(u"grau"_s);
     QVERIFY(browser.canvas().items().isEmpty());
     QCOMPARE(barColor(browser.window()), QColor(Qt::gray));
+}
+
+/// The window shows gray for want of the stored colour; who picks gray then means it.
+void TestApplWindow::pickedColourReplacesAnUnreadOne()
+{
+    QVERIFY(QSqlQuery().exec(u"UPDATE settings SET value = 3 WHERE name = 'BG_COLOR'"_s));
+    {
+        const OtherConnection other(u"BEGIN EXCLUSIVE"_s);
+        QCOMPARE(ColorSetting::instance().backgroundIndex(), 0);
+    }
+    {
+        BrowserWindow browser;
+        browser.pickColor(u"grau"_s);
+    }
+    QCOMPARE(m_catalogue->value(u"SELECT value FROM settings WHERE name = 'BG_COLOR'"_s).toInt(), 0);
 }
 
 void TestApplWindow::pickedColourIsKeptAcrossRuns()
